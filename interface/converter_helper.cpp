@@ -1,0 +1,52 @@
+#include "interface/converter_helper.h"
+
+#include "interface/word_document.h"
+
+#include <QRegularExpression>
+
+QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
+{
+    if (latex.isEmpty())
+        return {};
+    return {};
+}
+
+QString KFormulaConverterHelper::ommlToLatex(QStringView omml) const
+{
+    if (omml.isEmpty())
+        return {};
+    return {};
+}
+
+QString KFormulaConverterHelper::extractMathParagraph(const QString& text) const
+{
+    static const QRegularExpression paragraph(QStringLiteral("<m:oMathPara[\\s\\S]*?</m:oMathPara>"));
+    const QRegularExpressionMatch match = paragraph.match(text);
+    return match.hasMatch() ? match.captured(0) : QString();
+}
+
+QString KFormulaConverterHelper::wrapInWordDocument(const QString& omml) const
+{
+    const QString& prefix = wordDocumentPrefix();
+    const QString& suffix = wordDocumentSuffix();
+    QString document;
+    document.reserve(prefix.size() + omml.size() + suffix.size());
+    document.append(prefix).append(omml).append(suffix);
+    return document;
+}
+
+QString KFormulaConverterHelper::latexToSvg(QStringView latex, double fontSize) const
+{
+    Q_UNUSED(fontSize);
+    if (latex.isEmpty())
+        return {};
+    return {};
+}
+
+QString KFormulaConverterHelper::ommlToSvg(QStringView omml, double fontSize) const
+{
+    Q_UNUSED(fontSize);
+    if (omml.isEmpty())
+        return {};
+    return {};
+}
