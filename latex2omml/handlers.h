@@ -1,0 +1,54 @@
+#pragma once
+// Handler families of the command and environment tables. Each family is one
+// free function shared by every table entry that names it.
+
+#include "latex2omml/ast2omml.h"
+
+// Characters, literals and pass-through (tables.cpp / basic.cpp)
+KOmmlNodeList symbol(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList literal(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList firstArgument(KLatexAst2Omml&, const KLatexCommand&);
+
+// Structural (structural.cpp)
+KOmmlNodeList fraction(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList infixFraction(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList radical(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList naryOperator(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList naryScript(KLatexAst2Omml&, const KLatexScript&);
+KOmmlNodeList function(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList functionScript(KLatexAst2Omml&, const KLatexScript&);
+KOmmlNodeList limitFunction(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList limitScript(KLatexAst2Omml&, const KLatexScript&);
+KOmmlNodeList limitVariant(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList limitVariantScript(KLatexAst2Omml&, const KLatexScript&);
+KOmmlNodeList stack(KLatexAst2Omml&, const KLatexCommand&);
+
+// Delimiters, matrices and environments (delimiters.cpp)
+KOmmlNodeList bigDelimiter(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList matrixCommand(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList matrixEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+KOmmlNodeList casesEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+KOmmlNodeList alignEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+
+// Text, style and spacing (text_style.cpp)
+KOmmlNodeList mathFont(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList textFont(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList color(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList colorBox(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList box(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList space(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList modulo(KLatexAst2Omml&, const KLatexCommand&);
+
+// Decorations (decorations.cpp)
+KOmmlNodeList accent(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList underAccent(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList bar(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList negation(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList cancel(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList overGroup(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList underGroup(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList extensibleArrow(KLatexAst2Omml&, const KLatexCommand&);
+
+// Colour pass over a finished subtree (colour.cpp): paints every run and every
+// structure's control properties in the colour a QColor name denotes.
+void applyColour(KOmmlNode& node, const QString& colourName);

@@ -1,0 +1,22 @@
+#pragma once
+// The three lookup tables of the LaTeX-to-OMML conversion, built once on first use.
+
+#include "latex2omml/ast2omml.h"
+
+#include <QString>
+
+struct KLatexSymbol {
+    QString text;          // the character(s) the command stands for; may be empty
+    CommandHandler command; // always set
+    ScriptHandler script;   // set only for families that take their own limits
+};
+
+struct KLatexEnvironment {
+    QString delimiters; // opening and closing fence of a matrix, one fence for cases, or empty
+    EnvironmentHandler handler;
+};
+
+const KLatexSymbol* lookupCommand(const QString& name);
+const KLatexEnvironment* lookupEnvironment(const QString& name);
+// The fence character for a \left/\right token, or null when the token is not a delimiter.
+const QString* lookupDelimiter(const QString& token);
