@@ -1,0 +1,515 @@
+#include "omml/omml_writer.h"
+
+#include <QXmlStreamWriter>
+
+namespace {
+
+// Past this depth the remaining subtree is left out; the producers never build
+// trees this deep, so it only guards against a stack overflow.
+constexpr int kMaxWriteDepth = 2000;
+
+bool isXmlChar(char32_t c)
+{
+    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
+           (c >= 0x10000 && c <= 0x10FFFF);
+}
+
+// XML 1.0 cannot carry most C0 controls, lone surrogates or U+FFFE/U+FFFF, not
+// even as character references, so they are dropped rather than written.
+QString xmlSafe(const QString& text)
+{
+    const int n = text.size();
+    int i = 0;
+    for (; i < n; ++i) {
+        const QChar c = text.at(i);
+        if (c.isHighSurrogate() && i + 1 < n && text.at(i + 1).isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        if (c.isSurrogate() || !isXmlChar(c.unicode()))
+            break;
+    }
+    if (i == n)
+        return text;
+    QString clean = text.left(i);
+    for (; i < n; ++i) {
+        const QChar c = text.at(i);
+        if (c.isHighSurrogate() && i + 1 < n && text.at(i + 1).isLowSurrogate()) {
+            clean += c;
+            clean += text.at(++i);
+        } else if (!c.isSurrogate() && isXmlChar(c.unicode())) {
+            clean += c;
+        }
+    }
+    return clean;
+}
+
+QString scriptText(OScript script)
+{
+    switch (script) {
+    case OScript::script:
+        return QStringLiteral("script");
+    case OScript::fraktur:
+        return QStringLiteral("fraktur");
+    case OScript::doubleStruck:
+        return QStringLiteral("double-struck");
+    case OScript::sansSerif:
+        return QStringLiteral("sans-serif");
+    case OScript::monospace:
+        return QStringLiteral("monospace");
+    default:
+        return QStringLiteral("roman");
+    }
+}
+
+QString styleText(OStyle style)
+{
+    switch (style) {
+    case OStyle::bold:
+        return QStringLiteral("b");
+    case OStyle::italic:
+        return QStringLiteral("i");
+    case OStyle::boldItalic:
+        return QStringLiteral("bi");
+    default:
+        return QStringLiteral("p");
+    }
+}
+
+QString justificationText(OJustification justification)
+{
+    switch (justification) {
+    case OJustification::left:
+        return QStringLiteral("left");
+    case OJustification::right:
+        return QStringLiteral("right");
+    case OJustification::center:
+        return QStringLiteral("center");
+    default:
+        return QStringLiteral("centerGroup");
+    }
+}
+
+QString verticalJustificationText(OVerticalJustification justification)
+{
+    switch (justification) {
+    case OVerticalJustification::bottom:
+        return QStringLiteral("bot");
+    case OVerticalJustification::top:
+        return QStringLiteral("top");
+    default:
+        return QStringLiteral("center");
+    }
+}
+
+QString columnJustificationText(OColumnJustification justification)
+{
+    switch (justification) {
+    case OColumnJustification::left:
+        return QStringLiteral("left");
+    case OColumnJustification::right:
+        return QStringLiteral("right");
+    default:
+        return QStringLiteral("center");
+    }
+}
+
+QString onOff(bool flag)
+{
+    return flag ? QStringLiteral("on") : QStringLiteral("off");
+}
+
+QString positionText(OPosition position)
+{
+    return position == OPosition::bottom ? QStringLiteral("bot") : QStringLiteral("top");
+}
+
+class KOmmlXmlWriter {
+public:
+    explicit KOmmlXmlWriter(QXmlStreamWriter& xml) : m_xml(xml) {}
+
+    void node(const KOmmlNode& node)
+    {
+        if (m_depth >= kMaxWriteDepth)
+            return;
+        ++m_depth;
+        std::visit([this](const auto& alternative) { write(alternative); }, node.value);
+        --m_depth;
+    }
+
+    void write(const OMathParagraph& p)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:oMathPara"));
+        m_xml.writeAttribute(QStringLiteral("xmlns:m"), kOmmlNamespace);
+        m_xml.writeStartElement(QStringLiteral("m:oMathParaPr"));
+        val(QStringLiteral("m:jc"), justificationText(p.justification));
+        m_xml.writeEndElement();
+        if (p.equation)
+            node(*p.equation);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OMathEquation& e)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:oMath"));
+        m_xml.writeAttribute(QStringLiteral("xmlns:m"), kOmmlNamespace);
+        nodes(e.children);
+        m_xml.writeEndElement();
+    }
+
+    void write(const ORun& r)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:r"));
+        mathRunProperties(r.mathProps);
+        wordRunProperties(r.wordProps);
+        m_xml.writeTextElement(QStringLiteral("m:t"), xmlSafe(r.text));
+        m_xml.writeEndElement();
+    }
+
+    void write(const OFraction& f)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:f"));
+        m_xml.writeStartElement(QStringLiteral("m:fPr"));
+        switch (f.type) {
+        case OFractionType::noBar:
+            val(QStringLiteral("m:type"), QStringLiteral("nobar"));
+            break;
+        case OFractionType::linear:
+            val(QStringLiteral("m:type"), QStringLiteral("lin"));
+            break;
+        case OFractionType::skewed:
+            val(QStringLiteral("m:type"), QStringLiteral("skw"));
+            break;
+        default:
+            break;
+        }
+        controlProperties(f.ctrlPr);
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:num"), f.num);
+        argument(QStringLiteral("m:den"), f.den);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OSuperscript& s)
+    {
+        begin(QStringLiteral("m:sSup"), QStringLiteral("m:sSupPr"), s.ctrlPr);
+        argument(QStringLiteral("m:e"), s.e);
+        argument(QStringLiteral("m:sup"), s.sup);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OSubscript& s)
+    {
+        begin(QStringLiteral("m:sSub"), QStringLiteral("m:sSubPr"), s.ctrlPr);
+        argument(QStringLiteral("m:e"), s.e);
+        argument(QStringLiteral("m:sub"), s.sub);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OSubSuperscript& s)
+    {
+        begin(QStringLiteral("m:sSubSup"), QStringLiteral("m:sSubSupPr"), s.ctrlPr);
+        argument(QStringLiteral("m:e"), s.e);
+        argument(QStringLiteral("m:sub"), s.sub);
+        argument(QStringLiteral("m:sup"), s.sup);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OPreSubSuperscript& s)
+    {
+        begin(QStringLiteral("m:sPre"), QStringLiteral("m:sPrePr"), s.ctrlPr);
+        argument(QStringLiteral("m:sub"), s.sub);
+        argument(QStringLiteral("m:sup"), s.sup);
+        argument(QStringLiteral("m:e"), s.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const ORadical& r)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:rad"));
+        m_xml.writeStartElement(QStringLiteral("m:radPr"));
+        controlProperties(r.ctrlPr);
+        val(QStringLiteral("m:degHide"), onOff(r.degHide));
+        m_xml.writeEndElement();
+        if (r.deg)
+            argument(QStringLiteral("m:deg"), *r.deg);
+        else
+            m_xml.writeEmptyElement(QStringLiteral("m:deg"));
+        argument(QStringLiteral("m:e"), r.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const ONaryOperator& n)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:nary"));
+        m_xml.writeStartElement(QStringLiteral("m:naryPr"));
+        controlProperties(n.ctrlPr);
+        if (!n.chr.isEmpty())
+            val(QStringLiteral("m:chr"), n.chr);
+        val(QStringLiteral("m:limLoc"),
+            n.limLoc == OLimitLocation::undOvr ? QStringLiteral("undOvr") : QStringLiteral("subSup"));
+        val(QStringLiteral("m:subHide"), onOff(n.subHide));
+        val(QStringLiteral("m:supHide"), onOff(n.supHide));
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:sub"), n.sub);
+        argument(QStringLiteral("m:sup"), n.sup);
+        argument(QStringLiteral("m:e"), n.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OLimitLower& l)
+    {
+        begin(QStringLiteral("m:limLow"), QStringLiteral("m:limLowPr"), l.ctrlPr);
+        argument(QStringLiteral("m:e"), l.e);
+        argument(QStringLiteral("m:lim"), l.lim);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OLimitUpper& l)
+    {
+        begin(QStringLiteral("m:limUpp"), QStringLiteral("m:limUppPr"), l.ctrlPr);
+        argument(QStringLiteral("m:e"), l.e);
+        argument(QStringLiteral("m:lim"), l.lim);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OFunction& f)
+    {
+        begin(QStringLiteral("m:func"), QStringLiteral("m:funcPr"), f.ctrlPr);
+        argument(QStringLiteral("m:fName"), f.fName);
+        argument(QStringLiteral("m:e"), f.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const ODelimiter& d)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:d"));
+        m_xml.writeStartElement(QStringLiteral("m:dPr"));
+        controlProperties(d.ctrlPr);
+        val(QStringLiteral("m:begChr"), d.begChr);
+        val(QStringLiteral("m:endChr"), d.endChr);
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:e"), d.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OAccent& a)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:acc"));
+        m_xml.writeStartElement(QStringLiteral("m:accPr"));
+        if (!a.chr.isEmpty())
+            val(QStringLiteral("m:chr"), a.chr);
+        controlProperties(a.ctrlPr);
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:e"), a.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OBar& b)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:bar"));
+        m_xml.writeStartElement(QStringLiteral("m:barPr"));
+        val(QStringLiteral("m:pos"), positionText(b.pos));
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:e"), b.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OBorderBox& b)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:borderBox"));
+        m_xml.writeStartElement(QStringLiteral("m:borderBoxPr"));
+        controlProperties(b.ctrlPr);
+        const std::pair<const char*, bool> flags[] = {
+            {"m:hideTop", b.hideTop},     {"m:hideBot", b.hideBot}, {"m:hideLeft", b.hideLeft},
+            {"m:hideRight", b.hideRight}, {"m:strikeH", b.strikeH}, {"m:strikeV", b.strikeV},
+            {"m:strikeBLTR", b.strikeBLTR}, {"m:strikeTLBR", b.strikeTLBR},
+        };
+        for (const auto& [name, set] : flags) {
+            if (set)
+                val(QLatin1String(name), QStringLiteral("1"));
+        }
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:e"), b.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OGroupChar& g)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:groupChr"));
+        m_xml.writeStartElement(QStringLiteral("m:groupChrPr"));
+        controlProperties(g.ctrlPr);
+        if (!g.chr.isEmpty())
+            val(QStringLiteral("m:chr"), g.chr);
+        val(QStringLiteral("m:pos"), positionText(g.pos));
+        val(QStringLiteral("m:vertJc"), verticalJustificationText(g.vertJc));
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:e"), g.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OMatrix& m)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:m"));
+        m_xml.writeStartElement(QStringLiteral("m:mPr"));
+        if (!m.columns.empty()) {
+            m_xml.writeStartElement(QStringLiteral("m:mcs"));
+            for (const OMatrixColumn& column : m.columns) {
+                m_xml.writeStartElement(QStringLiteral("m:mc"));
+                m_xml.writeStartElement(QStringLiteral("m:mcPr"));
+                if (!column.count.isEmpty())
+                    val(QStringLiteral("m:count"), column.count);
+                val(QStringLiteral("m:mcJc"), columnJustificationText(column.justification));
+                m_xml.writeEndElement();
+                m_xml.writeEndElement();
+            }
+            m_xml.writeEndElement();
+        }
+        if (!m.cGp.isEmpty())
+            val(QStringLiteral("m:cGp"), m.cGp);
+        if (!m.cGpRule.isEmpty())
+            val(QStringLiteral("m:cGpRule"), m.cGpRule);
+        val(QStringLiteral("m:plcHide"), onOff(m.plcHide));
+        controlProperties(m.ctrlPr);
+        m_xml.writeEndElement();
+        for (const OMatrixRow& row : m.rows) {
+            m_xml.writeStartElement(QStringLiteral("m:mr"));
+            for (const KOmmlNodeList& cell : row)
+                argument(QStringLiteral("m:e"), cell);
+            m_xml.writeEndElement();
+        }
+        m_xml.writeEndElement();
+    }
+
+    void write(const OBox& b)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:box"));
+        m_xml.writeStartElement(QStringLiteral("m:boxPr"));
+        controlProperties(b.ctrlPr);
+        val(QStringLiteral("m:noBreak"), onOff(b.noBreak));
+        m_xml.writeEndElement();
+        argument(QStringLiteral("m:e"), b.e);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OEquationArray& a)
+    {
+        begin(QStringLiteral("m:eqArr"), QStringLiteral("m:eqArrPr"), a.ctrlPr);
+        for (const KOmmlNodeList& row : a.rows)
+            argument(QStringLiteral("m:e"), row);
+        m_xml.writeEndElement();
+    }
+
+    void write(const OPhantom& p)
+    {
+        begin(QStringLiteral("m:phant"), QStringLiteral("m:phantPr"), p.ctrlPr);
+        argument(QStringLiteral("m:e"), p.e);
+        m_xml.writeEndElement();
+    }
+
+    void controlProperties(const OControlProperties& ctrlPr)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:ctrlPr"));
+        if (ctrlPr.mathProps)
+            mathRunProperties(*ctrlPr.mathProps);
+        wordRunProperties(ctrlPr.wordProps);
+        m_xml.writeEndElement();
+    }
+
+private:
+    void nodes(const KOmmlNodeList& list)
+    {
+        for (const KOmmlNodePtr& child : list) {
+            if (child)
+                node(*child);
+        }
+    }
+
+    void argument(const QString& name, const KOmmlNodeList& list)
+    {
+        m_xml.writeStartElement(name);
+        nodes(list);
+        m_xml.writeEndElement();
+    }
+
+    // Opens a structure whose properties element holds only control properties.
+    void begin(const QString& name, const QString& propertiesName, const OControlProperties& ctrlPr)
+    {
+        m_xml.writeStartElement(name);
+        m_xml.writeStartElement(propertiesName);
+        controlProperties(ctrlPr);
+        m_xml.writeEndElement();
+    }
+
+    void val(const QString& name, const QString& value)
+    {
+        m_xml.writeEmptyElement(name);
+        m_xml.writeAttribute(QStringLiteral("m:val"), xmlSafe(value));
+    }
+
+    void mathRunProperties(const OMathRunProperties& props)
+    {
+        m_xml.writeStartElement(QStringLiteral("m:rPr"));
+        val(QStringLiteral("m:scr"), scriptText(props.script));
+        if (props.style)
+            val(QStringLiteral("m:sty"), styleText(*props.style));
+        m_xml.writeEndElement();
+    }
+
+    void wordRunProperties(const OWordRunProperties& props)
+    {
+        m_xml.writeStartElement(QStringLiteral("w:rPr"));
+        m_xml.writeEmptyElement(QStringLiteral("w:rFonts"));
+        if (!props.asciiFont.isEmpty())
+            m_xml.writeAttribute(QStringLiteral("w:ascii"), xmlSafe(props.asciiFont));
+        if (!props.hAnsiFont.isEmpty())
+            m_xml.writeAttribute(QStringLiteral("w:hAnsi"), xmlSafe(props.hAnsiFont));
+        m_xml.writeAttribute(QStringLiteral("w:hint"), QStringLiteral("default"));
+        if (props.italic)
+            m_xml.writeEmptyElement(QStringLiteral("w:i"));
+        if (props.bold)
+            m_xml.writeEmptyElement(QStringLiteral("w:b"));
+        if (props.color) {
+            const QColor& c = *props.color;
+            m_xml.writeEmptyElement(QStringLiteral("w:color"));
+            m_xml.writeAttribute(QStringLiteral("w:val"), QStringLiteral("%1%2%3")
+                                                              .arg(c.red(), 2, 16, QLatin1Char('0'))
+                                                              .arg(c.green(), 2, 16, QLatin1Char('0'))
+                                                              .arg(c.blue(), 2, 16, QLatin1Char('0')));
+        }
+        m_xml.writeEndElement();
+    }
+
+    QXmlStreamWriter& m_xml;
+    int m_depth = 0;
+};
+
+} // namespace
+
+void writeOmmlParagraph(const OMathParagraph& paragraph, QXmlStreamWriter& xml)
+{
+    KOmmlXmlWriter(xml).write(paragraph);
+}
+
+void writeOmmlNode(const KOmmlNode& node, QXmlStreamWriter& xml)
+{
+    KOmmlXmlWriter(xml).node(node);
+}
+
+QString ommlParagraphToXml(const OMathParagraph& paragraph)
+{
+    QString text;
+    QXmlStreamWriter xml(&text);
+    xml.setAutoFormatting(false);
+    writeOmmlParagraph(paragraph, xml);
+    return text;
+}
+
+QString ommlNodeToXml(const KOmmlNode& node)
+{
+    QString text;
+    QXmlStreamWriter xml(&text);
+    xml.setAutoFormatting(false);
+    writeOmmlNode(node, xml);
+    return text;
+}
