@@ -17,10 +17,16 @@ constexpr const char* kNamespaces[][2] = {
 };
 
 constexpr const char* kCompatFlags[] = {
-    "adjustLineHeightInTable", "ulTrailSpace",      "doNotExpandShiftReturn",
+    "adjustLineHeightInTable",
+    "ulTrailSpace",
+    "doNotExpandShiftReturn",
     "balanceSingleByteDoubleByteWidth",
-    "useFELayout",             "spaceForUL",        "wrapTextWithPunct",
-    "breakWrappedTables",      "useAsianBreakRules", "dontGrowAutofit",
+    "useFELayout",
+    "spaceForUL",
+    "wrapTextWithPunct",
+    "breakWrappedTables",
+    "useAsianBreakRules",
+    "dontGrowAutofit",
     "useFELayout",
 };
 

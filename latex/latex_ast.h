@@ -80,7 +80,7 @@ struct KLatexScript {
 };
 
 struct KLatexLeftRight {
-    QString left;  // "(", "\\langle", "." for none
+    QString left; // "(", "\\langle", "." for none
     QString right;
     KLatexNodePtr body; // never null
     bool useLeftRight = true;
@@ -92,20 +92,18 @@ struct KLatexUnknownCommand {
 };
 
 // The index order is fixed: every consumer dispatches on it.
-using KLatexVariant = std::variant<KLatexGroup, KLatexText, KLatexCommand, KLatexEnv, KLatexRow,
-                                   KLatexScript, KLatexLeftRight, KLatexUnknownCommand>;
+using KLatexVariant = std::variant<KLatexGroup, KLatexText, KLatexCommand, KLatexEnv, KLatexRow, KLatexScript,
+                                   KLatexLeftRight, KLatexUnknownCommand>;
 
 struct KLatexNode {
     KLatexVariant value;
 };
 
-template <class Kind>
-Kind* latexAs(KLatexNode* node)
+template <class Kind> Kind* latexAs(KLatexNode* node)
 {
     return node ? std::get_if<Kind>(&node->value) : nullptr;
 }
-template <class Kind>
-const Kind* latexAs(const KLatexNode* node)
+template <class Kind> const Kind* latexAs(const KLatexNode* node)
 {
     return node ? std::get_if<Kind>(&node->value) : nullptr;
 }

@@ -6,7 +6,7 @@
 #include <QString>
 
 struct KLatexSymbol {
-    QString text;          // the character(s) the command stands for; may be empty
+    QString text;           // the character(s) the command stands for; may be empty
     CommandHandler command; // always set
     ScriptHandler script;   // set only for families that take their own limits
 };

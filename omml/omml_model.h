@@ -216,26 +216,23 @@ struct OPreSubSuperscript {
 };
 
 // The index order is part of the model: visitors dispatch on it.
-using KOmmlVariant = std::variant<OMathParagraph, OMathEquation, ORun, OFraction, OSuperscript,
-                                  OSubscript, OSubSuperscript, ORadical, ONaryOperator, OLimitLower,
-                                  OLimitUpper, OFunction, ODelimiter, OAccent, OBar, OBorderBox,
-                                  OGroupChar, OMatrix, OBox, OEquationArray, OPhantom,
-                                  OPreSubSuperscript>;
+using KOmmlVariant =
+    std::variant<OMathParagraph, OMathEquation, ORun, OFraction, OSuperscript, OSubscript, OSubSuperscript,
+                 ORadical, ONaryOperator, OLimitLower, OLimitUpper, OFunction, ODelimiter, OAccent, OBar,
+                 OBorderBox, OGroupChar, OMatrix, OBox, OEquationArray, OPhantom, OPreSubSuperscript>;
 
 struct KOmmlNode {
     KOmmlVariant value;
 };
 
 // Wraps one alternative into a freshly allocated node.
-template <class Alternative>
-KOmmlNodePtr makeOmmlNode(Alternative&& alternative)
+template <class Alternative> KOmmlNodePtr makeOmmlNode(Alternative&& alternative)
 {
     return std::make_unique<KOmmlNode>(KOmmlNode{KOmmlVariant(std::forward<Alternative>(alternative))});
 }
 
 // Builds a node list from nodes given by value (handy for converters and tests).
-template <class... Nodes>
-KOmmlNodeList makeOmmlList(Nodes&&... nodes)
+template <class... Nodes> KOmmlNodeList makeOmmlList(Nodes&&... nodes)
 {
     KOmmlNodeList list;
     list.reserve(sizeof...(nodes));
@@ -244,13 +241,11 @@ KOmmlNodeList makeOmmlList(Nodes&&... nodes)
 }
 
 // Returns the alternative of the requested kind, or null for a null node or another kind.
-template <class Alternative>
-Alternative* ommlAs(KOmmlNode* node)
+template <class Alternative> Alternative* ommlAs(KOmmlNode* node)
 {
     return node ? std::get_if<Alternative>(&node->value) : nullptr;
 }
-template <class Alternative>
-const Alternative* ommlAs(const KOmmlNode* node)
+template <class Alternative> const Alternative* ommlAs(const KOmmlNode* node)
 {
     return node ? std::get_if<Alternative>(&node->value) : nullptr;
 }

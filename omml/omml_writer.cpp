@@ -321,8 +321,8 @@ public:
         m_xml.writeStartElement(QStringLiteral("m:borderBoxPr"));
         controlProperties(b.ctrlPr);
         const std::pair<const char*, bool> flags[] = {
-            {"m:hideTop", b.hideTop},     {"m:hideBot", b.hideBot}, {"m:hideLeft", b.hideLeft},
-            {"m:hideRight", b.hideRight}, {"m:strikeH", b.strikeH}, {"m:strikeV", b.strikeV},
+            {"m:hideTop", b.hideTop},       {"m:hideBot", b.hideBot},       {"m:hideLeft", b.hideLeft},
+            {"m:hideRight", b.hideRight},   {"m:strikeH", b.strikeH},       {"m:strikeV", b.strikeV},
             {"m:strikeBLTR", b.strikeBLTR}, {"m:strikeTLBR", b.strikeTLBR},
         };
         for (const auto& [name, set] : flags) {

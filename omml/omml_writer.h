@@ -6,7 +6,8 @@
 
 class QXmlStreamWriter;
 
-inline const QString kOmmlNamespace = QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
+inline const QString kOmmlNamespace =
+    QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
 
 // Appends the m:oMathPara element with its namespace declaration and properties.
 void writeOmmlParagraph(const OMathParagraph& paragraph, QXmlStreamWriter& xml);

@@ -24,7 +24,6 @@ CliResult runCli(const QStringList& args, const QByteArray& stdinText = {})
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-
 TEST(Cli, WrapOfEmptyTextPrintsTheEmptyDocument)
 {
     const CliResult r = runCli({"wrap", ""});

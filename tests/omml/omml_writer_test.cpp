@@ -9,7 +9,8 @@
 namespace {
 
 const QString kNs = QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
-const QString kFonts = QStringLiteral("<w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
+const QString kFonts =
+    QStringLiteral("<w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
 const QString kCtrl = QStringLiteral("<m:ctrlPr><w:rPr>") + kFonts + QStringLiteral("</w:rPr></m:ctrlPr>");
 
 KOmmlNodePtr run(const QString& text)
@@ -49,16 +50,28 @@ std::vector<KindCase> kindCases()
              return makeOmmlNode(std::move(f));
          },
          "<m:f><m:fPr>" + kCtrl + "</m:fPr><m:num>" + a + "</m:num><m:den>" + b + "</m:den></m:f>"},
-        {"Superscript", [] { return makeOmmlNode(OSuperscript{one("a"), one("b"), {}}); },
+        {"Superscript",
+         [] {
+             return makeOmmlNode(OSuperscript{one("a"), one("b"), {}});
+         },
          "<m:sSup><m:sSupPr>" + kCtrl + "</m:sSupPr><m:e>" + a + "</m:e><m:sup>" + b + "</m:sup></m:sSup>"},
-        {"Subscript", [] { return makeOmmlNode(OSubscript{one("a"), one("b"), {}}); },
+        {"Subscript",
+         [] {
+             return makeOmmlNode(OSubscript{one("a"), one("b"), {}});
+         },
          "<m:sSub><m:sSubPr>" + kCtrl + "</m:sSubPr><m:e>" + a + "</m:e><m:sub>" + b + "</m:sub></m:sSub>"},
-        {"SubSuperscript", [] { return makeOmmlNode(OSubSuperscript{one("a"), one("b"), one("c"), {}}); },
+        {"SubSuperscript",
+         [] {
+             return makeOmmlNode(OSubSuperscript{one("a"), one("b"), one("c"), {}});
+         },
          "<m:sSubSup><m:sSubSupPr>" + kCtrl + "</m:sSubSupPr><m:e>" + a + "</m:e><m:sub>" + b +
              "</m:sub><m:sup>" + c + "</m:sup></m:sSubSup>"},
-        {"PreSubSuperscript", [] { return makeOmmlNode(OPreSubSuperscript{one("a"), one("b"), one("c"), {}}); },
-         "<m:sPre><m:sPrePr>" + kCtrl + "</m:sPrePr><m:sub>" + b + "</m:sub><m:sup>" + c + "</m:sup><m:e>" + a +
-             "</m:e></m:sPre>"},
+        {"PreSubSuperscript",
+         [] {
+             return makeOmmlNode(OPreSubSuperscript{one("a"), one("b"), one("c"), {}});
+         },
+         "<m:sPre><m:sPrePr>" + kCtrl + "</m:sPrePr><m:sub>" + b + "</m:sub><m:sup>" + c + "</m:sup><m:e>" +
+             a + "</m:e></m:sPre>"},
         {"RadicalWithDegree",
          [] {
              ORadical r;
@@ -66,8 +79,8 @@ std::vector<KindCase> kindCases()
              r.deg = one("b");
              return makeOmmlNode(std::move(r));
          },
-         "<m:rad><m:radPr>" + kCtrl + "<m:degHide m:val=\"off\"/></m:radPr><m:deg>" + b + "</m:deg><m:e>" + a +
-             "</m:e></m:rad>"},
+         "<m:rad><m:radPr>" + kCtrl + "<m:degHide m:val=\"off\"/></m:radPr><m:deg>" + b + "</m:deg><m:e>" +
+             a + "</m:e></m:rad>"},
         {"NaryDefault", [] { return makeOmmlNode(ONaryOperator{}); },
          "<m:nary><m:naryPr>" + kCtrl +
              "<m:chr m:val=\"\u222B\"/><m:limLoc m:val=\"subSup\"/><m:subHide m:val=\"off\"/>"
@@ -86,19 +99,35 @@ std::vector<KindCase> kindCases()
              "<m:chr m:val=\"\u2211\"/><m:limLoc m:val=\"undOvr\"/><m:subHide m:val=\"off\"/>"
              "<m:supHide m:val=\"on\"/></m:naryPr><m:sub>" +
              b + "</m:sub><m:sup/><m:e>" + a + "</m:e></m:nary>"},
-        {"LimitLower", [] { return makeOmmlNode(OLimitLower{one("a"), one("b"), {}}); },
-         "<m:limLow><m:limLowPr>" + kCtrl + "</m:limLowPr><m:e>" + a + "</m:e><m:lim>" + b + "</m:lim></m:limLow>"},
-        {"LimitUpper", [] { return makeOmmlNode(OLimitUpper{one("a"), one("b"), {}}); },
-         "<m:limUpp><m:limUppPr>" + kCtrl + "</m:limUppPr><m:e>" + a + "</m:e><m:lim>" + b + "</m:lim></m:limUpp>"},
-        {"Function", [] { return makeOmmlNode(OFunction{one("a"), one("b"), {}}); },
-         "<m:func><m:funcPr>" + kCtrl + "</m:funcPr><m:fName>" + a + "</m:fName><m:e>" + b + "</m:e></m:func>"},
+        {"LimitLower",
+         [] {
+             return makeOmmlNode(OLimitLower{one("a"), one("b"), {}});
+         },
+         "<m:limLow><m:limLowPr>" + kCtrl + "</m:limLowPr><m:e>" + a + "</m:e><m:lim>" + b +
+             "</m:lim></m:limLow>"},
+        {"LimitUpper",
+         [] {
+             return makeOmmlNode(OLimitUpper{one("a"), one("b"), {}});
+         },
+         "<m:limUpp><m:limUppPr>" + kCtrl + "</m:limUppPr><m:e>" + a + "</m:e><m:lim>" + b +
+             "</m:lim></m:limUpp>"},
+        {"Function",
+         [] {
+             return makeOmmlNode(OFunction{one("a"), one("b"), {}});
+         },
+         "<m:func><m:funcPr>" + kCtrl + "</m:funcPr><m:fName>" + a + "</m:fName><m:e>" + b +
+             "</m:e></m:func>"},
         {"DelimiterDefault", [] { return makeOmmlNode(ODelimiter{one("a")}); },
-         "<m:d><m:dPr>" + kCtrl + "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/></m:dPr><m:e>" + a + "</m:e></m:d>"},
+         "<m:d><m:dPr>" + kCtrl + "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/></m:dPr><m:e>" + a +
+             "</m:e></m:d>"},
         {"AccentDefault", [] { return makeOmmlNode(OAccent{one("a")}); },
          "<m:acc><m:accPr><m:chr m:val=\"\u0302\"/>" + kCtrl + "</m:accPr><m:e>" + a + "</m:e></m:acc>"},
         {"BarDefaultOnTop", [] { return makeOmmlNode(OBar{one("a")}); },
          "<m:bar><m:barPr><m:pos m:val=\"top\"/></m:barPr><m:e>" + a + "</m:e></m:bar>"},
-        {"BarBottom", [] { return makeOmmlNode(OBar{one("a"), OPosition::bottom}); },
+        {"BarBottom",
+         [] {
+             return makeOmmlNode(OBar{one("a"), OPosition::bottom});
+         },
          "<m:bar><m:barPr><m:pos m:val=\"bot\"/></m:barPr><m:e>" + a + "</m:e></m:bar>"},
         {"BorderBoxAllFlags",
          [] {
@@ -114,12 +143,13 @@ std::vector<KindCase> kindCases()
              a + "</m:e></m:borderBox>"},
         {"GroupCharDefault", [] { return makeOmmlNode(OGroupChar{one("a")}); },
          "<m:groupChr><m:groupChrPr>" + kCtrl +
-             "<m:chr m:val=\"\u23DF\"/><m:pos m:val=\"bot\"/><m:vertJc m:val=\"top\"/></m:groupChrPr><m:e>" + a +
-             "</m:e></m:groupChr>"},
+             "<m:chr m:val=\"\u23DF\"/><m:pos m:val=\"bot\"/><m:vertJc m:val=\"top\"/></m:groupChrPr><m:e>" +
+             a + "</m:e></m:groupChr>"},
         {"MatrixWithColumns",
          [] {
              OMatrix m;
-             m.columns = {{QStringLiteral("2"), OColumnJustification::left}, {{}, OColumnJustification::right}};
+             m.columns = {{QStringLiteral("2"), OColumnJustification::left},
+                          {{}, OColumnJustification::right}};
              m.cGp = QStringLiteral("3");
              m.cGpRule = QStringLiteral("1");
              m.plcHide = true;
@@ -164,10 +194,11 @@ TEST(OmmlWriter, ParagraphDeclaresNamespaceTwiceAndJustifies)
 {
     OMathParagraph paragraph;
     paragraph.equation = makeOmmlNode(OMathEquation{one("x")});
-    EXPECT_EQ(ommlParagraphToXml(paragraph), "<m:oMathPara xmlns:m=\"" + kNs +
-                                                 "\"><m:oMathParaPr><m:jc m:val=\"centerGroup\"/></m:oMathParaPr>"
-                                                 "<m:oMath xmlns:m=\"" +
-                                                 kNs + "\">" + runXml("x") + "</m:oMath></m:oMathPara>");
+    EXPECT_EQ(ommlParagraphToXml(paragraph),
+              "<m:oMathPara xmlns:m=\"" + kNs +
+                  "\"><m:oMathParaPr><m:jc m:val=\"centerGroup\"/></m:oMathParaPr>"
+                  "<m:oMath xmlns:m=\"" +
+                  kNs + "\">" + runXml("x") + "</m:oMath></m:oMathPara>");
 }
 
 TEST(OmmlWriter, ParagraphJustificationTexts)
@@ -200,34 +231,38 @@ TEST(OmmlWriter, RunPropertiesInFull)
 
 TEST(OmmlWriter, EnumerationTextsAndOutOfRangeFallbacks)
 {
-    const std::pair<int, const char*> scripts[] = {{0, "roman"},      {1, "script"},     {2, "fraktur"},
+    const std::pair<int, const char*> scripts[] = {{0, "roman"},         {1, "script"},     {2, "fraktur"},
                                                    {3, "double-struck"}, {4, "sans-serif"}, {5, "monospace"},
-                                                   {6, "roman"},      {-1, "roman"}};
+                                                   {6, "roman"},         {-1, "roman"}};
     for (const auto& [value, text] : scripts) {
         ORun r;
         r.mathProps.script = static_cast<OScript>(value);
-        EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(r))).contains(QString("<m:scr m:val=\"%1\"/>").arg(text)))
+        EXPECT_TRUE(
+            ommlNodeToXml(*makeOmmlNode(std::move(r))).contains(QString("<m:scr m:val=\"%1\"/>").arg(text)))
             << value;
     }
     const std::pair<int, const char*> styles[] = {{0, "p"}, {1, "b"}, {2, "i"}, {3, "bi"}, {9, "p"}};
     for (const auto& [value, text] : styles) {
         ORun r;
         r.mathProps.style = static_cast<OStyle>(value);
-        EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(r))).contains(QString("<m:sty m:val=\"%1\"/>").arg(text)))
+        EXPECT_TRUE(
+            ommlNodeToXml(*makeOmmlNode(std::move(r))).contains(QString("<m:sty m:val=\"%1\"/>").arg(text)))
             << value;
     }
     const std::pair<int, const char*> vertical[] = {{0, "bot"}, {1, "top"}, {2, "center"}, {7, "center"}};
     for (const auto& [value, text] : vertical) {
         OGroupChar g;
         g.vertJc = static_cast<OVerticalJustification>(value);
-        EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(g))).contains(QString("<m:vertJc m:val=\"%1\"/>").arg(text)))
+        EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(g)))
+                        .contains(QString("<m:vertJc m:val=\"%1\"/>").arg(text)))
             << value;
     }
     const std::pair<int, const char*> columns[] = {{0, "left"}, {1, "center"}, {2, "right"}, {5, "center"}};
     for (const auto& [value, text] : columns) {
         OMatrix m;
         m.columns.push_back({{}, static_cast<OColumnJustification>(value)});
-        EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(m))).contains(QString("<m:mcJc m:val=\"%1\"/>").arg(text)))
+        EXPECT_TRUE(
+            ommlNodeToXml(*makeOmmlNode(std::move(m))).contains(QString("<m:mcJc m:val=\"%1\"/>").arg(text)))
             << value;
     }
     const std::pair<int, const char*> fractions[] = {{1, "nobar"}, {2, "lin"}, {3, "skw"}};
@@ -266,20 +301,23 @@ TEST(OmmlWriter, EdgeCases)
     ORun fontless;
     fontless.wordProps.asciiFont.clear();
     fontless.wordProps.hAnsiFont.clear();
-    EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(fontless))).contains("<w:rPr><w:rFonts w:hint=\"default\"/></w:rPr>"));
+    EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(fontless)))
+                    .contains("<w:rPr><w:rFonts w:hint=\"default\"/></w:rPr>"));
 
     OAccent noChar;
     noChar.chr.clear();
-    EXPECT_EQ(ommlNodeToXml(*makeOmmlNode(std::move(noChar))), "<m:acc><m:accPr>" + kCtrl + "</m:accPr><m:e/></m:acc>");
+    EXPECT_EQ(ommlNodeToXml(*makeOmmlNode(std::move(noChar))),
+              "<m:acc><m:accPr>" + kCtrl + "</m:accPr><m:e/></m:acc>");
 
     OControlProperties styled;
     styled.mathProps = OMathRunProperties{OScript::fraktur, OStyle::plain};
     styled.wordProps.color = QColor(1, 2, 3);
     OPhantom phantom;
     phantom.ctrlPr = styled;
-    EXPECT_EQ(ommlNodeToXml(*makeOmmlNode(std::move(phantom))),
-              "<m:phant><m:phantPr><m:ctrlPr><m:rPr><m:scr m:val=\"fraktur\"/><m:sty m:val=\"p\"/></m:rPr><w:rPr>" +
-                  kFonts + "<w:color w:val=\"010203\"/></w:rPr></m:ctrlPr></m:phantPr><m:e/></m:phant>");
+    EXPECT_EQ(
+        ommlNodeToXml(*makeOmmlNode(std::move(phantom))),
+        "<m:phant><m:phantPr><m:ctrlPr><m:rPr><m:scr m:val=\"fraktur\"/><m:sty m:val=\"p\"/></m:rPr><w:rPr>" +
+            kFonts + "<w:color w:val=\"010203\"/></w:rPr></m:ctrlPr></m:phantPr><m:e/></m:phant>");
 }
 
 TEST(OmmlWriter, NullChildrenAreSkipped)
@@ -314,13 +352,15 @@ TEST(OmmlWriter, ForbiddenCharactersAreLeftOut)
     r.wordProps.asciiFont = hostile;
     const QString xml = ommlNodeToXml(*makeOmmlNode(std::move(r)));
     EXPECT_TRUE(isWellFormed(xml)) << xml.toStdString();
-    EXPECT_TRUE(xml.contains(QString("<m:t>ab&lt;&amp;&gt;&quot;") + QChar(0x9) + QChar(0xD83D) + QChar(0xDE00) + "</m:t>"))
+    EXPECT_TRUE(xml.contains(QString("<m:t>ab&lt;&amp;&gt;&quot;") + QChar(0x9) + QChar(0xD83D) +
+                             QChar(0xDE00) + "</m:t>"))
         << xml.toStdString();
 
     ODelimiter d;
     d.begChr = QString(QChar(0xDBFF));
     d.endChr = QString(QChar(0x1F));
-    EXPECT_TRUE(ommlNodeToXml(*makeOmmlNode(std::move(d))).contains("<m:begChr m:val=\"\"/><m:endChr m:val=\"\"/>"));
+    EXPECT_TRUE(
+        ommlNodeToXml(*makeOmmlNode(std::move(d))).contains("<m:begChr m:val=\"\"/><m:endChr m:val=\"\"/>"));
 }
 
 TEST(OmmlWriter, DeepNestingStaysBounded)
