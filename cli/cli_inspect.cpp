@@ -50,8 +50,8 @@ int runLint(const QString& latex, bool json, QTextStream& out, QTextStream&)
         const auto after = std::upper_bound(lineStarts.begin(), lineStarts.end(), d.pos);
         const int line = int(after - lineStarts.begin());
         const int column = d.pos - *(after - 1) + 1;
-        out << line << ':' << column << ": " << severityName(d.severity) << ": " << d.message << " [" << d.code
-            << "]\n";
+        out << line << ':' << column << ": " << severityName(d.severity) << ": " << d.message << " ["
+            << d.code << "]\n";
     }
     out.flush();
     return diagnostics.empty() ? 0 : 1;

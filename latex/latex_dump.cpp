@@ -47,7 +47,10 @@ private:
         line(level, QStringLiteral("Group"));
         list(group.children, level + 1);
     }
-    void visit(const KLatexText& text, int level) { line(level, QStringLiteral("Text ") + jsonQuote(text.text)); }
+    void visit(const KLatexText& text, int level)
+    {
+        line(level, QStringLiteral("Text ") + jsonQuote(text.text));
+    }
     void visit(const KLatexCommand& command, int level)
     {
         line(level, QStringLiteral("Command ") + jsonQuote(command.name));
@@ -74,7 +77,8 @@ private:
     }
     void visit(const KLatexLeftRight& fence, int level)
     {
-        QString text = QStringLiteral("LeftRight ") + jsonQuote(fence.left) + QLatin1Char(' ') + jsonQuote(fence.right);
+        QString text =
+            QStringLiteral("LeftRight ") + jsonQuote(fence.left) + QLatin1Char(' ') + jsonQuote(fence.right);
         if (fence.useLeftRight)
             text.append(QStringLiteral(" left-right"));
         line(level, text);

@@ -15,13 +15,14 @@ bool isCommandToken(const Token& token, const char* name)
 
 bool endsCell(const Token& token)
 {
-    return isCommandToken(token, "end") || isCommandToken(token, "\\\\") || token.kind == TokenKind::Ampersand;
+    return isCommandToken(token, "end") || isCommandToken(token, "\\\\") ||
+           token.kind == TokenKind::Ampersand;
 }
 
 bool endsMatrixCell(const Token& token)
 {
-    return token.kind == TokenKind::Ampersand || token.kind == TokenKind::RBrace || isCommandToken(token, "cr") ||
-           isCommandToken(token, "\\\\");
+    return token.kind == TokenKind::Ampersand || token.kind == TokenKind::RBrace ||
+           isCommandToken(token, "cr") || isCommandToken(token, "\\\\");
 }
 
 } // namespace
@@ -29,16 +30,16 @@ bool endsMatrixCell(const Token& token)
 const QStringList& knownEnvironments()
 {
     static const QStringList names = {
-        QStringLiteral("cases"),        QStringLiteral("dcases"),       QStringLiteral("rcases"),
-        QStringLiteral("matrix"),       QStringLiteral("pmatrix"),      QStringLiteral("bmatrix"),
-        QStringLiteral("vmatrix"),      QStringLiteral("Vmatrix"),      QStringLiteral("smallmatrix"),
-        QStringLiteral("array"),        QStringLiteral("pmatrix*"),     QStringLiteral("bmatrix*"),
-        QStringLiteral("vmatrix*"),     QStringLiteral("Vmatrix*"),     QStringLiteral("matrix*"),
-        QStringLiteral("aligned"),      QStringLiteral("align"),        QStringLiteral("align*"),
-        QStringLiteral("alignat"),      QStringLiteral("alignat*"),     QStringLiteral("alignedat"),
-        QStringLiteral("gather"),       QStringLiteral("gather*"),      QStringLiteral("split"),
-        QStringLiteral("flalign"),      QStringLiteral("flalign*"),     QStringLiteral("eqnarray"),
-        QStringLiteral("eqnarray*"),    QStringLiteral("gathered"),     QStringLiteral("smallpmatrix"),
+        QStringLiteral("cases"),        QStringLiteral("dcases"),   QStringLiteral("rcases"),
+        QStringLiteral("matrix"),       QStringLiteral("pmatrix"),  QStringLiteral("bmatrix"),
+        QStringLiteral("vmatrix"),      QStringLiteral("Vmatrix"),  QStringLiteral("smallmatrix"),
+        QStringLiteral("array"),        QStringLiteral("pmatrix*"), QStringLiteral("bmatrix*"),
+        QStringLiteral("vmatrix*"),     QStringLiteral("Vmatrix*"), QStringLiteral("matrix*"),
+        QStringLiteral("aligned"),      QStringLiteral("align"),    QStringLiteral("align*"),
+        QStringLiteral("alignat"),      QStringLiteral("alignat*"), QStringLiteral("alignedat"),
+        QStringLiteral("gather"),       QStringLiteral("gather*"),  QStringLiteral("split"),
+        QStringLiteral("flalign"),      QStringLiteral("flalign*"), QStringLiteral("eqnarray"),
+        QStringLiteral("eqnarray*"),    QStringLiteral("gathered"), QStringLiteral("smallpmatrix"),
         QStringLiteral("smallbmatrix"),
     };
     return names;

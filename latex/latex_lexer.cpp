@@ -52,7 +52,8 @@ bool isHexDigit(QChar c)
 bool isColourNameChar(QChar c)
 {
     const char16_t u = c.unicode();
-    return isAsciiLetter(u) || (u >= u'0' && u <= u'9') || u == u'_' || u == u'-' || (u >= 0x80 && c.isLetterOrNumber());
+    return isAsciiLetter(u) || (u >= u'0' && u <= u'9') || u == u'_' || u == u'-' ||
+           (u >= 0x80 && c.isLetterOrNumber());
 }
 
 // Control words that stand for fixed amounts of space get internal names that
@@ -208,7 +209,8 @@ void KLatexLexer::readControlSequence()
     const int start = m_position;
     ++m_position;
     if (m_position >= m_end) {
-        warn(QStringLiteral("W_backslash_eof"), QStringLiteral("Trailing backslash at end of input"), start, 1);
+        warn(QStringLiteral("W_backslash_eof"), QStringLiteral("Trailing backslash at end of input"), start,
+             1);
         append(TokenKind::Command, QStringLiteral("\\"), start, 1);
         return;
     }
@@ -285,8 +287,9 @@ bool KLatexLexer::readColourSpecification()
             if (m_position < m_end) {
                 ++m_position;
             } else {
-                warn(QStringLiteral("W_unclosed_paren"), QStringLiteral("Unclosed parentheses in RGB color value"),
-                     textStart, m_position - textStart);
+                warn(QStringLiteral("W_unclosed_paren"),
+                     QStringLiteral("Unclosed parentheses in RGB color value"), textStart,
+                     m_position - textStart);
             }
         } else {
             m_position = afterLetters;

@@ -27,8 +27,8 @@ bool isCommandToken(const Token& token, const char* name)
 // Operators that split the brace group they stand in into a numerator and a denominator.
 bool isInfixFraction(const QString& name)
 {
-    static const QLatin1String names[] = {QLatin1String("over"), QLatin1String("atop"), QLatin1String("above"),
-                                          QLatin1String("choose")};
+    static const QLatin1String names[] = {QLatin1String("over"), QLatin1String("atop"),
+                                          QLatin1String("above"), QLatin1String("choose")};
     for (const QLatin1String& n : names) {
         if (name == n)
             return true;
@@ -116,13 +116,15 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
             if (token.text == QLatin1String("buildrel")) {
                 advance();
                 KLatexNodePtr above = parseExprUntil(
-                    [](const Token& t) { return isCommandToken(t, "over") || t.kind == TokenKind::RBrace; }, false);
+                    [](const Token& t) { return isCommandToken(t, "over") || t.kind == TokenKind::RBrace; },
+                    false);
                 if (!isCommand("over")) {
                     report(kError, QStringLiteral("E_buildrel_over"), buildrelOver());
                     items.push_back(std::move(above));
                 } else {
                     advance();
-                    KLatexNodePtr below = peek().kind == TokenKind::LBrace ? parseBraceGroupAsExpr() : parseAtom();
+                    KLatexNodePtr below =
+                        peek().kind == TokenKind::LBrace ? parseBraceGroupAsExpr() : parseAtom();
                     KLatexArgs args;
                     args.push_back(KLatexArg{false, std::move(above)});
                     args.push_back(KLatexArg{false, std::move(below)});
@@ -188,7 +190,8 @@ KLatexNodePtr KLatexParser::parseBraceGroupAsExpr()
     if (peek().kind == TokenKind::RBrace)
         advance();
     else
-        reportAt(m_tokens[std::size_t(m_position - 1)], kError, QStringLiteral("E_missing_rbrace"), missingRBrace());
+        reportAt(m_tokens[std::size_t(m_position - 1)], kError, QStringLiteral("E_missing_rbrace"),
+                 missingRBrace());
     return content;
 }
 
@@ -197,7 +200,8 @@ KLatexNodePtr KLatexParser::parseBracketGroupAsExpr()
     if (peek().kind != TokenKind::LBracket)
         return nullptr;
     advance();
-    KLatexNodePtr content = parseExprUntil([](const Token& t) { return t.kind == TokenKind::RBracket; }, false);
+    KLatexNodePtr content =
+        parseExprUntil([](const Token& t) { return t.kind == TokenKind::RBracket; }, false);
     if (peek().kind == TokenKind::RBracket)
         advance();
     else
