@@ -4,6 +4,8 @@
 #include <QDomElement>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace {
 
 QString mVal(const QDomElement& element)
@@ -706,8 +708,72 @@ private:
     int m_depth = 0;
 };
 
-// Measures element nesting with the streaming parser, which keeps its own
-// stack, before the DOM parser (which recurses per level) sees the text.
+// Upper estimate of element nesting over raw text, for text the streaming
+// parser rejects but the DOM parser may still accept (duplicate attributes,
+// control characters, markup in entities). Comments, CDATA sections,
+// processing instructions and declarations are skipped; quoted attribute values
+// may hold ">".
+int rawNestingDepth(const QString& xml)
+{
+    const int n = xml.size();
+    int depth = 0;
+    int deepest = 0;
+    int i = 0;
+    auto skipPast = [&](const char* terminator, int from) {
+        const int at = xml.indexOf(QLatin1String(terminator), from);
+        return at < 0 ? n : at + int(qstrlen(terminator));
+    };
+    while (i < n) {
+        if (xml.at(i) != QLatin1Char('<')) {
+            ++i;
+            continue;
+        }
+        const QStringRef rest = xml.midRef(i);
+        if (rest.startsWith(QLatin1String("<!--"))) {
+            i = skipPast("-->", i + 4);
+        } else if (rest.startsWith(QLatin1String("<![CDATA["))) {
+            i = skipPast("]]>", i + 9);
+        } else if (rest.startsWith(QLatin1String("<?"))) {
+            i = skipPast("?>", i + 2);
+        } else if (rest.startsWith(QLatin1String("</"))) {
+            depth = std::max(depth - 1, 0);
+            i = skipPast(">", i + 2);
+        } else {
+            // A start tag or a declaration; declarations may hold a bracketed
+            // internal subset with quoted texts.
+            const bool declaration = rest.startsWith(QLatin1String("<!"));
+            QChar quote;
+            int brackets = 0;
+            int j = i + 1;
+            for (; j < n; ++j) {
+                const QChar c = xml.at(j);
+                if (!quote.isNull()) {
+                    if (c == quote)
+                        quote = QChar();
+                } else if (c == QLatin1Char('"') || c == QLatin1Char('\'')) {
+                    quote = c;
+                } else if (declaration && c == QLatin1Char('[')) {
+                    ++brackets;
+                } else if (declaration && c == QLatin1Char(']')) {
+                    brackets = std::max(brackets - 1, 0);
+                } else if (c == QLatin1Char('>') && brackets == 0) {
+                    break;
+                }
+            }
+            if (!declaration) {
+                deepest = std::max(deepest, depth + 1);
+                if (j >= n || xml.at(j - 1) != QLatin1Char('/'))
+                    ++depth;
+            }
+            i = j + 1;
+        }
+    }
+    return deepest;
+}
+
+// Measures element nesting before the DOM parser, which recurses per level,
+// sees the text. The streaming parser keeps its own stack and is exact for
+// well-formed text; where it stops at an error the raw estimate takes over.
 bool nestingWithinLimit(const QString& xml)
 {
     QXmlStreamReader reader(xml);
@@ -726,9 +792,7 @@ bool nestingWithinLimit(const QString& xml)
             break;
         }
     }
-    // Text the streaming parser rejects is not read further: past the error
-    // its nesting is unknown.
-    return !reader.hasError();
+    return !reader.hasError() || rawNestingDepth(xml) <= kMaxOmmlReadDepth;
 }
 
 } // namespace
