@@ -202,6 +202,17 @@ TEST(ConverterCore, RunsDifferingInOneColourDoNotMerge)
     EXPECT_EQ(xmlOf(runs), r("a") + r("b", "<w:color w:val=\"ff0000\"/>"));
 }
 
+TEST(ConverterCore, StyleStackKeepsItsDefault)
+{
+    KLatexAst2Omml converter;
+    EXPECT_FALSE(converter.currentStyle().wordProps.italic);
+    converter.popStyle();
+    converter.popStyle();
+    EXPECT_EQ(converter.currentStyle().wordProps.asciiFont, "Cambria Math");
+    converter.prepare(false);
+    EXPECT_EQ(xmlOf(converter.convert(*text("a"))), r("a"));
+}
+
 TEST(ConverterCore, PrepareRestoresDefaultStyle)
 {
     KLatexAst2Omml converter;
@@ -233,13 +244,13 @@ TEST(ConverterCore, DeepNestingStopsAtTheLimit)
     // The root group is the first level, so the text sits at depth levels + 1.
     EXPECT_EQ(convertToXml(*nestedGroups(limit - 1, text("x"))), r("x"));
     EXPECT_EQ(convertToXml(*nestedGroups(limit, text("x"))), QString());
-    EXPECT_EQ(convertToXml(*nestedGroups(20000, text("x"))), QString());
+    EXPECT_EQ(convertToXml(*nestedGroups(2 * limit, text("x"))), QString());
 }
 
 TEST(ConverterCore, DeepScriptChainDoesNotCrash)
 {
     KLatexNodePtr node = text("x");
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < 2 * KLatexAst2Omml::kMaxDepth; ++i)
         node = sup(std::move(node), text("2"));
     KLatexAst2Omml converter;
     converter.prepare(false);
