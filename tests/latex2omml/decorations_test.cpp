@@ -1,0 +1,271 @@
+#include "handler_test_support.h"
+
+#include "latex2omml/handlers.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace l2o_test;
+
+namespace {
+
+struct TreeCase {
+    const char* name;
+    std::function<KLatexNodePtr()> tree;
+    QString expected;
+};
+
+void PrintTo(const TreeCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
+
+class DecorationTrees : public ::testing::TestWithParam<TreeCase> {};
+
+TEST_P(DecorationTrees, ConvertToExactOmml)
+{
+    EXPECT_EQ(convertTree(GetParam().tree()), GetParam().expected);
+}
+
+std::string caseName(const ::testing::TestParamInfo<TreeCase>& info)
+{
+    return info.param.name;
+}
+
+const QString x = run("x");
+const Look bold = styled("b");
+
+// Every accent and mark below: \name{x} is the accent with that mark over (or under) x.
+struct MarkCase {
+    const char* name;
+    const char* mark;
+};
+
+class Accents : public ::testing::TestWithParam<MarkCase> {};
+
+TEST_P(Accents, PutTheirMarkOnTheArgument)
+{
+    EXPECT_EQ(convertTree(C(GetParam().name, A(G(T("x"))))), accentEl(QString::fromUtf8(GetParam().mark), x));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AllMarks, Accents,
+    ::testing::Values(
+        MarkCase{"grave", u8"\u0300"}, MarkCase{"acute", u8"\u0301"}, MarkCase{"hat", u8"\u0302"},
+        MarkCase{"tilde", u8"\u0303"}, MarkCase{"bar", u8"\u0304"}, MarkCase{"overbar", u8"\u0305"},
+        MarkCase{"overequal", u8"\u033F"}, MarkCase{"breve", u8"\u0306"}, MarkCase{"dot", u8"\u0307"},
+        MarkCase{"ddot", u8"\u0308"}, MarkCase{"ovhook", u8"\u0309"}, MarkCase{"ocirc", u8"\u030A"},
+        MarkCase{"check", u8"\u030C"}, MarkCase{"candra", u8"\u0310"}, MarkCase{"oturnedcomma", u8"\u0312"},
+        MarkCase{"ocommatopright", u8"\u0315"}, MarkCase{"droang", u8"\u031A"}, MarkCase{"vec", u8"\u20D7"},
+        MarkCase{"leftharpoonaccent", u8"\u20D0"}, MarkCase{"rightharpoonaccent", u8"\u20D1"},
+        MarkCase{"vertoverlay", u8"\u20D2"}, MarkCase{"overleftarrow", u8"\u20D6"},
+        MarkCase{"overrightarrow", u8"\u20D7"}, MarkCase{"dddot", u8"\u20DB"}, MarkCase{"ddddot", u8"\u20DC"},
+        MarkCase{"overleftrightarrow", u8"\u20E1"}, MarkCase{"annuity", u8"\u20E7"},
+        MarkCase{"widebridgeabove", u8"\u20E9"}, MarkCase{"asteraccent", u8"\u20F0"},
+        MarkCase{"widetilde", u8"\u0303"}, MarkCase{"widehat", u8"\u0302"}, MarkCase{"mathring", u8"\u030A"},
+        MarkCase{"v", u8"\u030C"}, MarkCase{"wideutilde", u8"\u0330"}, MarkCase{"threeunderdot", u8"\u20E8"},
+        MarkCase{"underrightharpoondown", u8"\u20EC"}, MarkCase{"underleftharpoondown", u8"\u20ED"},
+        MarkCase{"underleftarrow", u8"\u20EE"}, MarkCase{"underrightarrow", u8"\u20EF"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+std::vector<TreeCase> accentAndBarCases()
+{
+    return {
+        {"AccentTakesTheCurrentStyle", [] { return C("mathbf", A(G(C("hat", A(G(T("x"))))))); },
+         accentEl(u8"\u0302", run("x", bold), ctrl(bold))},
+        {"AccentOverAStructure", [] { return C("vec", A(G(C("frac", A(T("a")), A(T("b")))))); },
+         accentEl(u8"\u20D7", frac("", run("a"), run("b")))},
+        {"AccentWithoutArgument", [] { return C("hat"); }, ""},
+        {"AccentWithTwoArguments", [] { return C("hat", A(G(T("x"))), A(G(T("y")))); }, ""},
+        {"UnderAccentWithTwoArguments", [] { return C("wideutilde", A(G(T("x"))), A(G(T("y")))); }, ""},
+        {"AccentOnNothing", [] { return C("tilde", A(G())); }, accentEl(u8"\u0303", "")},
+        {"Overline", [] { return C("overline", A(G(T("AB")))); }, barEl("top", run("AB"))},
+        {"Underline", [] { return C("underline", A(G(T("x")))); }, barEl("bot", x)},
+        {"Underbar", [] { return C("underbar", A(G(T("x")))); }, barEl("bot", x)},
+        {"BarHasNoControlProperties", [] { return C("mathbf", A(G(C("overline", A(G(T("x"))))))); },
+         barEl("top", run("x", bold))},
+        {"BarWithoutArgument", [] { return C("overline"); }, ""},
+        {"BarWithTwoArguments", [] { return C("underline", A(G(T("x"))), A(G(T("y")))); }, ""},
+    };
+}
+
+INSTANTIATE_TEST_SUITE_P(AccentsAndBars, DecorationTrees, ::testing::ValuesIn(accentAndBarCases()), caseName);
+
+const QStringList falling = hiddenSides({"strikeTLBR"});
+const QStringList rising = hiddenSides({"strikeBLTR"});
+
+std::vector<TreeCase> strikeCases()
+{
+    return {
+        {"NotEquals", [] { return C("not", A(T("="))); }, borderBox(falling, run("="))},
+        {"NotStrikesEachCharacter", [] { return C("not", A(G(T("ab")))); },
+         borderBox(falling, run("a")) + borderBox(falling, run("b"))},
+        {"NotOverAStructureRises", [] { return C("not", A(G(C("frac", A(T("a")), A(T("b")))))); },
+         borderBox(rising, frac("", run("a"), run("b")))},
+        {"NotOverMixedContent", [] { return C("not", A(G(T("a"), C("sqrt", A(T("b")))))); },
+         borderBox(falling, run("a")) + borderBox(rising, withCtrl("rad", ctrl() + val("degHide", "on"),
+                                                                   "<m:deg/>" + arg("e", run("b"))))},
+        {"NotKeepsTheRunLookAndTakesTheStyle", [] { return C("mathbf", A(G(C("not", A(C("in")))))); },
+         borderBox(falling, run(u8"\u2208", bold), ctrl(bold))},
+        {"NotOfNothing", [] { return C("not", A(G())); }, ""},
+        {"NotWithoutArgument", [] { return C("not"); }, ""},
+        {"Cancel", [] { return C("cancel", A(G(T("x")))); }, borderBox(rising, x)},
+        {"BackCancel", [] { return C("bcancel", A(G(T("x")))); }, borderBox(falling, x)},
+        {"CrossCancel", [] { return C("xcancel", A(G(T("x")))); },
+         borderBox(hiddenSides({"strikeBLTR", "strikeTLBR"}), x)},
+        {"CancelTakesTheCurrentStyle", [] { return C("mathbf", A(G(C("cancel", A(G(T("x"))))))); },
+         borderBox(rising, run("x", bold), ctrl(bold))},
+        {"CancelTo", [] { return C("cancelto", A(G(T("0"))), A(G(T("x")))); },
+         sSup(borderBox(rising, x), run("0"))},
+        {"CancelWithoutArgument", [] { return C("xcancel"); }, ""},
+        {"CancelToWithOneArgument", [] { return C("cancelto", A(G(T("0")))); }, ""},
+        {"CancelToWithoutValueNode", [] { return C("cancelto", A(nullptr), A(G(T("x")))); }, ""},
+    };
+}
+
+INSTANTIATE_TEST_SUITE_P(Strokes, DecorationTrees, ::testing::ValuesIn(strikeCases()), caseName);
+
+Look italicControl(Look base = plainControl())
+{
+    base.italic = true;
+    return base;
+}
+
+std::vector<TreeCase> groupCases()
+{
+    const QString braceCtrl = ctrl(italicControl());
+    return {
+        {"Overbrace", [] { return C("overbrace", A(G(T("x")))); },
+         groupChr(u8"\u23DE", "top", "bot", x, braceCtrl)},
+        {"Overbracket", [] { return C("overbracket", A(G(T("x")))); },
+         groupChr(u8"\u23B4", "top", "bot", x, braceCtrl)},
+        {"Overparen", [] { return C("overparen", A(G(T("x")))); },
+         groupChr(u8"\u23DC", "top", "bot", x, braceCtrl)},
+        {"Underbrace", [] { return C("underbrace", A(G(T("x")))); },
+         groupChr(u8"\u23DF", "bot", "top", x, braceCtrl)},
+        {"Underbracket", [] { return C("underbracket", A(G(T("x")))); },
+         groupChr(u8"\u23B5", "bot", "top", x, braceCtrl)},
+        {"Underparen", [] { return C("underparen", A(G(T("x")))); },
+         groupChr(u8"\u23DD", "bot", "top", x, braceCtrl)},
+        {"LabelAsAnOrdinaryScript", [] { return Sup(C("overbrace", A(G(T("a+b")))), G(T("n"))); },
+         sSup(groupChr(u8"\u23DE", "top", "bot", run("a+b"), braceCtrl), run("n"))},
+        {"BraceWithoutArgument", [] { return C("underbrace"); },
+         groupChr(u8"\u23DF", "bot", "top", "", braceCtrl)},
+        {"BraceTakesTheCurrentStyleInItalic", [] { return C("mathbf", A(G(C("underbrace", A(G(T("x"))))))); },
+         groupChr(u8"\u23DF", "bot", "top", run("x", bold), ctrl(italicControl(bold)))},
+    };
+}
+
+INSTANTIATE_TEST_SUITE_P(Braces, DecorationTrees, ::testing::ValuesIn(groupCases()), caseName);
+
+TEST(Braces, OverGroupAcceptsOverequal)
+{
+    KLatexAst2Omml converter;
+    converter.prepare(false);
+    const auto command = C("overequal", A(G(T("x"))));
+    EXPECT_EQ(toXml(overGroup(converter, std::get<KLatexCommand>(command->value))),
+              groupChr(u8"\u033F", "top", "bot", x, ctrl(italicControl())));
+}
+
+TEST(Braces, NamesOfTheOtherSideAreShownLiterally)
+{
+    KLatexAst2Omml converter;
+    converter.prepare(false);
+    const auto under = C("underbrace", A(G(T("x"))));
+    EXPECT_EQ(toXml(overGroup(converter, std::get<KLatexCommand>(under->value))), run("\\underbrace") + x);
+    const auto over = C("overbrace", A(G(T("x"))));
+    EXPECT_EQ(toXml(underGroup(converter, std::get<KLatexCommand>(over->value))), run("\\overbrace") + x);
+}
+
+// Each arrow with one label above: the arrow runs under the label.
+struct ArrowCase {
+    const char* name;
+    const char* arrow;
+};
+
+class Arrows : public ::testing::TestWithParam<ArrowCase> {};
+
+TEST_P(Arrows, RunUnderTheirLabel)
+{
+    const QString arrow = QString::fromUtf8(GetParam().arrow);
+    EXPECT_EQ(convertTree(C(GetParam().name, A(G(T("f"))))), groupChr(arrow, "bot", "top", run("f")));
+    EXPECT_EQ(convertTree(C(GetParam().name, A(G()))), run(arrow));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AllArrows, Arrows,
+    ::testing::Values(ArrowCase{"xrightarrow", u8"\u2192"}, ArrowCase{"xleftarrow", u8"\u2190"},
+                      ArrowCase{"xRightarrow", u8"\u21D2"}, ArrowCase{"xLeftarrow", u8"\u21D0"},
+                      ArrowCase{"xLeftrightarrow", u8"\u21D4"}, ArrowCase{"xleftrightarrow", u8"\u2194"},
+                      ArrowCase{"xhookleftarrow", u8"\u21A9"}, ArrowCase{"xhookrightarrow", u8"\u21AA"},
+                      ArrowCase{"xmapsto", u8"\u21A6"}, ArrowCase{"xtwoheadrightarrow", u8"\u21A0"},
+                      ArrowCase{"xtwoheadleftarrow", u8"\u219E"}, ArrowCase{"xlongequal", "="},
+                      ArrowCase{"xtofrom", u8"\u21C4"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+const QString right = QString::fromUtf8(u8"\u2192");
+
+std::vector<TreeCase> arrowLabelCases()
+{
+    return {
+        {"OnlyBelow", [] { return C("xrightarrow", O(G(T("g"))), A(G())); },
+         groupChr(right, "top", "bot", run("g"))},
+        {"OnlyBelowWithoutAbove", [] { return C("xrightarrow", O(G(T("g")))); },
+         groupChr(right, "top", "bot", run("g"))},
+        {"EqualLengthsHugBelow", [] { return C("xrightarrow", O(G(T("g"))), A(G(T("f")))); },
+         limUpp(groupChr(right, "top", "bot", run("g")), run("f"))},
+        {"LongerBelowHugsBelow", [] { return C("xrightarrow", O(G(T("gg"))), A(G(T("f")))); },
+         limUpp(groupChr(right, "top", "bot", run("gg")), run("f"))},
+        {"LongerAboveHugsAbove", [] { return C("xrightarrow", O(G(T("g"))), A(G(T("ff")))); },
+         limLow(groupChr(right, "bot", "top", run("ff")), run("g"))},
+        {"StructureCountsOne",
+         [] { return C("xrightarrow", O(G(C("frac", A(T("a")), A(T("bb"))))), A(G(T("ff")))); },
+         limLow(groupChr(right, "bot", "top", run("ff")), frac("", run("a"), run("bb")))},
+        {"StructureAndCharacterTie",
+         [] { return C("xrightarrow", O(G(C("sqrt", A(T("a"))))), A(G(T("f")))); },
+         limUpp(groupChr(right, "top", "bot",
+                         withCtrl("rad", ctrl() + val("degHide", "on"), "<m:deg/>" + arg("e", run("a")))),
+                run("f"))},
+        {"NonBmpCountsTwoUnits",
+         [] { return C("xrightarrow", O(G(T(QString::fromUtf8(u8"\U0001D465")))), A(G(T("ff")))); },
+         limUpp(groupChr(right, "top", "bot", run(QString::fromUtf8(u8"\U0001D465"))), run("ff"))},
+        {"LastLabelOfEachKindWins",
+         [] { return C("xleftarrow", O(G(T("a"))), A(G(T("b"))), O(G(T("cc"))), A(G(T("d")))); },
+         limUpp(groupChr(u8"\u2190", "top", "bot", run("cc")), run("d"))},
+        {"EmptyLabels", [] { return C("xrightarrow", O(G()), A(G())); }, run(right)},
+        {"NoArguments", [] { return C("xrightarrow"); }, run(right)},
+        {"PlainArrowIgnoresTheStyle", [] { return C("mathbf", A(G(C("xrightarrow", A(G()))))); }, run(right)},
+        {"LabelledArrowTakesTheStyle", [] { return C("mathbf", A(G(C("xrightarrow", A(G(T("f"))))))); },
+         groupChr(right, "bot", "top", run("f", bold), ctrl(bold))},
+        {"BothLabelsTakeTheStyle",
+         [] { return C("mathbf", A(G(C("xrightarrow", O(G(T("g"))), A(G(T("ff"))))))); },
+         limLow(groupChr(right, "bot", "top", run("ff", bold), ctrl(bold)), run("g", bold), ctrl(bold))},
+    };
+}
+
+INSTANTIATE_TEST_SUITE_P(ArrowLabels, DecorationTrees, ::testing::ValuesIn(arrowLabelCases()), caseName);
+
+TEST(Negation, SplitsNonBmpTextIntoCodeUnits)
+{
+    // One box per UTF-16 code unit: a character outside the BMP gives two boxes,
+    // each holding one half of the surrogate pair.
+    KLatexAst2Omml converter;
+    converter.prepare(false);
+    const QString clef = QString::fromUtf8(u8"\U0001D11E");
+    const auto root = G(C("not", A(T(clef))));
+    const KOmmlNodeList result = converter.convert(*root);
+    ASSERT_EQ(result.size(), 2u);
+    for (int i = 0; i < 2; ++i) {
+        const auto* box = ommlAs<OBorderBox>(result[i].get());
+        ASSERT_NE(box, nullptr);
+        ASSERT_EQ(box->e.size(), 1u);
+        const auto* unit = ommlAs<ORun>(box->e[0].get());
+        ASSERT_NE(unit, nullptr);
+        EXPECT_EQ(unit->text, QString(clef.at(i)));
+        EXPECT_TRUE(box->strikeTLBR);
+        EXPECT_FALSE(box->strikeBLTR);
+    }
+}
+
+} // namespace
