@@ -1,15 +1,18 @@
 // formulaconv: the command-line face of the library. The six conversions go
 // through the exported entry point exactly as a host application calls them.
 
+#include "cli/cli_batch.h"
 #include "cli/cli_inspect.h"
 #include "interface/IFormulaConverterHelper.h"
 
 #include <QFile>
 #include <QGuiApplication>
 #include <QTextStream>
+#include <QThread>
 
 #include <cstdio>
 #include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -157,6 +160,28 @@ QString emptyReason(const QString& op, const QString& input)
     return QStringLiteral("the input produced no result");
 }
 
+int runBatchCommand(const Options& options)
+{
+    if (options.text)
+        return usageError(QStringLiteral("batch reads its inputs from standard input, not from TEXT"));
+    QFile in;
+    if (!options.file.isEmpty()) {
+        in.setFileName(options.file);
+        if (!in.open(QIODevice::ReadOnly))
+            return usageError(QStringLiteral("cannot read file '%1'").arg(options.file));
+    } else if (!in.open(stdin, QIODevice::ReadOnly)) {
+        return usageError(QStringLiteral("cannot read standard input"));
+    }
+    QTextStream out(stdout);
+    out.setCodec("UTF-8");
+    QTextStream err(stderr);
+    err.setCodec("UTF-8");
+    BatchOptions batch;
+    batch.jobs = options.jobs > 0 ? options.jobs : std::max(1, QThread::idealThreadCount());
+    batch.progress = isatty(fileno(stderr));
+    return runBatch(in, out, err, batch, [&](const QString& input) { return convert(options, input); });
+}
+
 // The library never logs; what reaches here is platform chatter from Qt
 // (missing runtime directories and the like) that would pollute the output.
 void dropQtMessages(QtMsgType type, const QMessageLogContext&, const QString& message)
@@ -197,13 +222,21 @@ int main(int argc, char** argv)
     options.op = args.takeFirst();
     if (!isKnownOp(options.op))
         return usageError(QStringLiteral("unknown operation '%1'").arg(options.op));
-    if (options.op == QLatin1String("layout") || options.op == QLatin1String("batch")) {
+    if (options.op == QLatin1String("layout")) {
         QTextStream(stderr) << "formulaconv: " << options.op << ": not available yet\n";
         return 2;
+    }
+    const bool batch = options.op == QLatin1String("batch");
+    if (batch) {
+        if (args.isEmpty() || !isConversion(args.first()))
+            return usageError(QStringLiteral("batch needs one of the six conversions as its OP"));
+        options.op = args.takeFirst();
     }
     const QString error = parseOptions(args, options);
     if (!error.isEmpty())
         return usageError(error);
+    if (batch)
+        return runBatchCommand(options);
     const std::optional<QString> input = readInput(options);
     if (!input)
         return usageError(QStringLiteral("cannot read file '%1'").arg(options.file));

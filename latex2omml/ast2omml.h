@@ -6,6 +6,7 @@
 #include "latex/latex_ast.h"
 #include "omml/omml_model.h"
 
+#include <cstddef>
 #include <deque>
 #include <functional>
 
@@ -23,9 +24,16 @@ using EnvironmentHandler = std::function<KOmmlNodeList(KLatexAst2Omml&, KLatexEn
 
 class KLatexAst2Omml {
 public:
+    // Nesting deeper than this converts to nothing instead of exhausting the stack.
+    static constexpr int kMaxDepth = 256;
+
     // Empties the style stack, pushes the default style, remembers the mode.
     void prepare(bool renderMode);
     KOmmlNodeList convert(const KLatexNode& node);
+    // As above; a missing node converts to an empty list.
+    KOmmlNodeList convert(const KLatexNode* node);
+    // Converts argument `index` (counting from 0); empty when it is missing or has no node.
+    KOmmlNodeList convertArgument(const KLatexArgs& args, std::size_t index);
 
     const OControlProperties& currentStyle() const { return m_styles.back(); }
     KRunProperties currentRunProperties() const;
@@ -36,7 +44,31 @@ public:
     bool renderMode() const { return m_renderMode; }
 
 private:
+    KOmmlNodeList convertGroup(const KLatexGroup& group);
+    KOmmlNodeList convertScript(const KLatexScript& script);
+    KOmmlNodeList convertLeftRight(const KLatexLeftRight& fence);
+    KOmmlNodeList convertUnknown(const KLatexUnknownCommand& command) const;
+
+    struct KDispatch;
+
     std::deque<OControlProperties> m_styles;
     bool m_renderMode = false;
     int m_depth = 0;
 };
+
+// The node of argument `index` (counting from 0), or null when the argument is
+// missing or has no node.
+const KLatexNode* argumentNode(const KLatexArgs& args, std::size_t index);
+// True when there are exactly `count` arguments and every one has a node.
+bool hasExactArguments(const KLatexArgs& args, std::size_t count);
+
+// A run in roman script without style and with the default word properties,
+// whatever the current style is.
+KOmmlNodePtr makePlainRun(QString text);
+// Moves every node of `source` to the end of `target`.
+void appendNodes(KOmmlNodeList& target, KOmmlNodeList&& source);
+// Builds the sub/superscript element the script algorithm uses: OSubSuperscript
+// when both lists are given, OSubscript or OSuperscript for one, null for none.
+// Its control properties are the defaults.
+KOmmlNodePtr makeScriptElement(KOmmlNodeList base, std::optional<KOmmlNodeList> sub,
+                               std::optional<KOmmlNodeList> sup);

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <vector>
+
 struct KLatexSymbol {
     QString text;           // the character(s) the command stands for; may be empty
     CommandHandler command; // always set
@@ -20,3 +22,8 @@ const KLatexSymbol* lookupCommand(const QString& name);
 const KLatexEnvironment* lookupEnvironment(const QString& name);
 // The fence character for a \left/\right token, or null when the token is not a delimiter.
 const QString* lookupDelimiter(const QString& token);
+
+// Every key of each table, in the order of its data files.
+std::vector<QString> commandTableKeys();
+std::vector<QString> environmentTableKeys();
+std::vector<QString> delimiterMapKeys();

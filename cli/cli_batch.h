@@ -1,0 +1,21 @@
+#pragma once
+// `formulaconv batch OP`: one conversion over many inputs, JSON Lines in and out.
+
+#include <QIODevice>
+#include <QString>
+#include <QTextStream>
+
+#include <functional>
+
+struct BatchOptions {
+    int jobs = 1;          // worker threads
+    bool progress = false; // show a progress line on the error stream
+};
+
+// One conversion; called from several threads at once.
+using BatchConversion = std::function<QString(const QString& input)>;
+
+// Reads every line of `in`, converts the inputs on `jobs` threads and writes one
+// JSON object per input line to `out`, in input order. Returns the exit code.
+int runBatch(QIODevice& in, QTextStream& out, QTextStream& err, const BatchOptions& options,
+             const BatchConversion& convert);

@@ -1,0 +1,400 @@
+#include "latex/latex_writer.h"
+
+#include <QSet>
+
+namespace {
+
+const QString kLineBreak = QStringLiteral("\\\\");
+const QString kStarredLineBreak = QStringLiteral("\\\\*");
+
+// Letters and digits count per UTF-16 code unit, as the lexer reads them: a
+// surrogate is neither, so a character outside the BMP never joins a control word.
+bool isLetter(QChar c)
+{
+    const ushort u = c.unicode();
+    if (u < 0x80)
+        return (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z');
+    return c.isLetter();
+}
+
+bool isDigit(QChar c)
+{
+    const ushort u = c.unicode();
+    if (u < 0x80)
+        return u >= '0' && u <= '9';
+    return c.category() == QChar::Number_DecimalDigit;
+}
+
+bool isAlphanumeric(QChar c)
+{
+    return isLetter(c) || isDigit(c);
+}
+
+OutputClass characterClass(QChar c)
+{
+    if (isLetter(c))
+        return OutputClass::letter;
+    if (isDigit(c))
+        return OutputClass::digit;
+    return OutputClass::other;
+}
+
+// A piece beginning with a control word ends in a state where a following
+// letter would extend that word; otherwise its last character decides.
+OutputClass pieceClass(const QString& piece)
+{
+    if (piece.startsWith(QLatin1Char('\\')))
+        return piece.size() > 1 && isLetter(piece.at(1)) ? OutputClass::controlWord : OutputClass::other;
+    return piece.isEmpty() ? OutputClass::none : characterClass(piece.back());
+}
+
+bool allLetters(const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    for (const QChar c : text) {
+        if (!isLetter(c))
+            return false;
+    }
+    return true;
+}
+
+bool allDigits(const QString& text)
+{
+    for (const QChar c : text) {
+        if (!isDigit(c))
+            return false;
+    }
+    return !text.isEmpty();
+}
+
+// The lexer's normalised spacing names and how each is written back.
+const QString* spacingForm(const QString& name)
+{
+    struct Spacing {
+        QString name;
+        QString printed;
+    };
+    static const Spacing kSpacing[] = {
+        {QStringLiteral("space_thin"), QStringLiteral("\\,")},
+        {QStringLiteral("space_med"), QStringLiteral("\\:")},
+        {QStringLiteral("space_thick"), QStringLiteral("\\;")},
+        {QStringLiteral("space_negthin"), QStringLiteral("\\!")},
+        {QStringLiteral("space_quad"), QStringLiteral("\\quad ")},
+        {QStringLiteral("space_qquad"), QStringLiteral("\\qquad ")},
+        {QStringLiteral("space_normal"), QStringLiteral(" ")},
+    };
+    for (const Spacing& spacing : kSpacing) {
+        if (spacing.name == name)
+            return &spacing.printed;
+    }
+    return nullptr;
+}
+
+bool isKnownEnvironment(const QString& name)
+{
+    static const char* const kNames[] = {
+#include "latex/latex_writer_environments.inc"
+    };
+    static const QSet<QString> kKnown = [] {
+        QSet<QString> known;
+        for (const char* environment : kNames)
+            known.insert(QString::fromLatin1(environment));
+        return known;
+    }();
+    return kKnown.contains(name);
+}
+
+bool isLineBreak(const QString& name)
+{
+    return name == kLineBreak || name == kStarredLineBreak;
+}
+
+// Simple nodes can go without braces: a command without arguments or a single
+// code unit of text, possibly wrapped in groups of one child.
+bool isSimple(const KLatexNode* node)
+{
+    while (const KLatexGroup* group = latexAs<KLatexGroup>(node)) {
+        if (group->children.size() != 1 || !group->children.front())
+            return false;
+        node = group->children.front().get();
+    }
+    if (const KLatexCommand* command = latexAs<KLatexCommand>(node))
+        return command->args.empty();
+    if (const KLatexText* text = latexAs<KLatexText>(node))
+        return text->text.size() == 1;
+    return false;
+}
+
+bool isEscaped(QChar c)
+{
+    switch (c.unicode()) {
+    case '#':
+    case '$':
+    case '%':
+    case '&':
+    case '\\':
+    case '^':
+    case '_':
+    case '{':
+    case '}':
+    case '~':
+        return true;
+    default:
+        return false;
+    }
+}
+
+// A row that already ends in a line break, possibly with its spacing argument,
+// needs no second one from the environment.
+bool endsWithLineBreak(const QString& row)
+{
+    const QString trimmed = row.trimmed();
+    if (trimmed.endsWith(kLineBreak) || trimmed.endsWith(kStarredLineBreak))
+        return true;
+    const int open = trimmed.lastIndexOf(QStringLiteral("\\\\["));
+    if (open < 0)
+        return false;
+    const int close = trimmed.lastIndexOf(QLatin1Char(']'));
+    return close > open && close == trimmed.size() - 1;
+}
+
+} // namespace
+
+KLatexWriter::KLatexWriter(const KLatexWriterOptions& options) : m_options(options)
+{
+}
+
+QString KLatexWriter::write(const KLatexNode* root, const KLatexWriterOptions& options)
+{
+    if (!root)
+        return QString();
+    KLatexWriter writer(options);
+    return writer.node(root);
+}
+
+QString KLatexWriter::normaliseDimension(const QString& text)
+{
+    static const QSet<QString> kUnits = {
+        QStringLiteral("pt"), QStringLiteral("em"), QStringLiteral("ex"), QStringLiteral("mm"),
+        QStringLiteral("cm"), QStringLiteral("in"), QStringLiteral("bp"), QStringLiteral("pc"),
+        QStringLiteral("dd"), QStringLiteral("cc"), QStringLiteral("sp"),
+    };
+    const QString trimmed = text.trimmed();
+    const int space = trimmed.indexOf(QLatin1Char(' '));
+    if (space < 0)
+        return trimmed;
+    const QString number = trimmed.left(space);
+    const QString unit = trimmed.mid(space + 1);
+    if (allDigits(number) && allLetters(unit) && kUnits.contains(unit))
+        return number + unit;
+    return trimmed;
+}
+
+QString KLatexWriter::node(const KLatexNode* node)
+{
+    if (!node || m_nesting >= kMaxLatexWriteDepth)
+        return QString();
+    ++m_nesting;
+    QString printed = std::visit([this](const auto& kind) { return print(kind); }, node->value);
+    --m_nesting;
+    return printed;
+}
+
+QString KLatexWriter::print(const KLatexGroup& group)
+{
+    QString result;
+    for (const KLatexNodePtr& child : group.children) {
+        if (!child)
+            continue;
+        const QString piece = node(child.get());
+        if (piece.isEmpty())
+            continue;
+        const QChar first = piece.front();
+        if (!result.isEmpty()) {
+            const QChar last = result.back();
+            if ((last == QLatin1Char('}') && isLetter(first)) ||
+                (isAlphanumeric(last) && isAlphanumeric(first))) {
+                result += QLatin1Char(' ');
+                m_lastClass = OutputClass::other;
+            }
+            // Reads the class the child left behind, after the rule above.
+            if (m_lastClass == OutputClass::controlWord && isLetter(first))
+                result += QLatin1Char(' ');
+        }
+        result += piece;
+        m_lastClass = pieceClass(piece);
+    }
+    return result;
+}
+
+QString KLatexWriter::print(const KLatexText& text)
+{
+    QString result;
+    result.reserve(text.text.size());
+    for (const QChar c : text.text) {
+        if (isEscaped(c))
+            result += QLatin1Char('\\');
+        result += c;
+    }
+    if (!result.isEmpty())
+        m_lastClass = characterClass(result.back());
+    return result;
+}
+
+QString KLatexWriter::print(const KLatexCommand& command)
+{
+    const QString& name = command.name;
+    if (const QString* spacing = spacingForm(name)) {
+        m_lastClass = OutputClass::other;
+        return *spacing;
+    }
+    if (name == QLatin1String("left") || name == QLatin1String("right")) {
+        QString result = QLatin1Char('\\') + name;
+        if (!command.args.empty() && command.args.front().node) {
+            QString delimiter = node(command.args.front().node.get());
+            // A braced delimiter such as "{(}" is written bare.
+            if (delimiter.size() >= 2 && delimiter.startsWith(QLatin1Char('{')) &&
+                delimiter.endsWith(QLatin1Char('}'))) {
+                const QString inner = delimiter.mid(1, delimiter.size() - 2).trimmed();
+                if (!inner.contains(QLatin1Char('{')) && !inner.contains(QLatin1Char('}')))
+                    delimiter = inner;
+            }
+            result += delimiter;
+        }
+        m_lastClass = OutputClass::other;
+        return result;
+    }
+    if (isLineBreak(name)) {
+        QString result = kLineBreak;
+        if (name.endsWith(QLatin1Char('*')))
+            result += QLatin1Char('*');
+        if (!command.args.empty() && command.args.front().optional && command.args.front().node)
+            result += QLatin1Char('[') + normaliseDimension(node(command.args.front().node.get())) +
+                      QLatin1Char(']');
+        m_lastClass = OutputClass::other;
+        return result;
+    }
+    return plainCommand(name, command.args);
+}
+
+QString KLatexWriter::print(const KLatexUnknownCommand& command)
+{
+    if (const QString* spacing = spacingForm(command.name)) {
+        m_lastClass = OutputClass::other;
+        return *spacing;
+    }
+    return plainCommand(command.name, command.args);
+}
+
+QString KLatexWriter::plainCommand(const QString& name, const KLatexArgs& args)
+{
+    QString result = QLatin1Char('\\') + name;
+    m_lastClass = allLetters(name) ? OutputClass::controlWord : OutputClass::other;
+    result += arguments(args);
+    return result;
+}
+
+QString KLatexWriter::arguments(const KLatexArgs& args)
+{
+    QString result;
+    for (const KLatexArg& arg : args) {
+        const QString printed = node(arg.node.get());
+        if (arg.optional)
+            result += QLatin1Char('[') + printed + QLatin1Char(']');
+        else if (m_options.bareSimpleArguments && arg.node && isSimple(arg.node.get()))
+            result += printed;
+        else
+            result += QLatin1Char('{') + printed + QLatin1Char('}');
+    }
+    return result;
+}
+
+QString KLatexWriter::scriptPart(QChar marker, const KLatexNode* part)
+{
+    const QString printed = node(part);
+    if (m_options.bareSimpleScripts && isSimple(part))
+        return marker + printed;
+    return marker + (QLatin1Char('{') + printed + QLatin1Char('}'));
+}
+
+QString KLatexWriter::print(const KLatexScript& script)
+{
+    QString result = node(script.base.get());
+    // The superscript always comes first.
+    if (script.sup)
+        result += scriptPart(QLatin1Char('^'), script.sup.get());
+    if (script.sub)
+        result += scriptPart(QLatin1Char('_'), script.sub.get());
+    return result;
+}
+
+QString KLatexWriter::print(const KLatexLeftRight& leftRight)
+{
+    const QString body = node(leftRight.body.get());
+    m_lastClass = OutputClass::other;
+    if (leftRight.useLeftRight)
+        return QStringLiteral("\\left") + leftRight.left + QLatin1Char(' ') + body + QLatin1Char(' ') +
+               QStringLiteral("\\right") + leftRight.right;
+    return leftRight.left + body + leftRight.right;
+}
+
+QString KLatexWriter::print(const KLatexRow& row)
+{
+    size_t cellCount = row.cells.size();
+    const KLatexCommand* terminator = nullptr;
+    if (cellCount > 0) {
+        const KLatexCommand* last = latexAs<KLatexCommand>(row.cells.back().get());
+        if (last && isLineBreak(last->name)) {
+            terminator = last;
+            --cellCount;
+        }
+    }
+    QString result;
+    for (size_t i = 0; i < cellCount; ++i) {
+        result += node(row.cells[i].get());
+        if (i + 1 < cellCount)
+            result += QStringLiteral(" & ");
+    }
+    if (terminator) {
+        const QString lineBreak = print(*terminator);
+        if (!result.isEmpty() && !result.endsWith(QLatin1Char(' ')) &&
+            !lineBreak.startsWith(QLatin1Char(' ')))
+            result += QLatin1Char(' ');
+        result += lineBreak;
+    }
+    m_lastClass = OutputClass::other;
+    return result;
+}
+
+QString KLatexWriter::print(const KLatexEnv& env)
+{
+    QString result = QStringLiteral("\\begin{") + env.name + QLatin1Char('}');
+    result += arguments(env.args);
+    if (m_options.breakEnvironmentRows && isKnownEnvironment(env.name)) {
+        result += QLatin1Char('\n');
+        ++m_depth;
+        const size_t count = env.body.size();
+        for (size_t i = 0; i < count; ++i) {
+            result += m_options.indent.repeated(m_depth);
+            bool terminated = false;
+            if (const KLatexNode* element = env.body[i].get()) {
+                const QString printed = node(element);
+                terminated = endsWithLineBreak(printed);
+                result += printed;
+            }
+            if (!terminated && i + 1 < count)
+                result += QStringLiteral(" \\\\");
+            result += QLatin1Char('\n');
+        }
+        --m_depth;
+    } else {
+        for (const KLatexNodePtr& element : env.body) {
+            if (element)
+                result += node(element.get());
+        }
+    }
+    result += QStringLiteral("\\end{") + env.name + QLatin1Char('}');
+    m_lastClass = OutputClass::other;
+    return result;
+}

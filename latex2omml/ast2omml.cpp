@@ -1,0 +1,415 @@
+#include "latex2omml/ast2omml.h"
+
+#include "latex2omml/tables.h"
+
+#include <QColor>
+
+namespace {
+
+const QString kLimits = QStringLiteral("limits");
+const QString kNoLimits = QStringLiteral("nolimits");
+
+// Keeps the nesting counter balanced on every way out of a conversion.
+class KDepthGuard {
+public:
+    explicit KDepthGuard(int& depth) : m_depth(depth) { ++m_depth; }
+    ~KDepthGuard() { --m_depth; }
+    KDepthGuard(const KDepthGuard&) = delete;
+    KDepthGuard& operator=(const KDepthGuard&) = delete;
+    bool tooDeep() const { return m_depth > KLatexAst2Omml::kMaxDepth; }
+
+private:
+    int& m_depth;
+};
+
+KLatexNodePtr cloneNode(const KLatexNode* node, int depth);
+
+KLatexNodeList cloneList(const KLatexNodeList& list, int depth)
+{
+    KLatexNodeList copy;
+    copy.reserve(list.size());
+    for (const KLatexNodePtr& child : list)
+        copy.push_back(cloneNode(child.get(), depth));
+    return copy;
+}
+
+KLatexArgs cloneArgs(const KLatexArgs& args, int depth)
+{
+    KLatexArgs copy;
+    copy.reserve(args.size());
+    for (const KLatexArg& arg : args)
+        copy.push_back(KLatexArg{arg.optional, cloneNode(arg.node.get(), depth)});
+    return copy;
+}
+
+// Deep copy of a subtree, for the limits merging that rebuilds nodes of a tree it
+// may not change. Beyond the nesting limit the copy is an empty group, which the
+// converter would not have reached anyway.
+KLatexNodePtr cloneNode(const KLatexNode* node, int depth)
+{
+    if (!node)
+        return nullptr;
+    if (depth > KLatexAst2Omml::kMaxDepth)
+        return makeGroup();
+    const int next = depth + 1;
+    struct KCloner {
+        int next;
+        KLatexVariant operator()(const KLatexGroup& n) const
+        {
+            return KLatexGroup{cloneList(n.children, next)};
+        }
+        KLatexVariant operator()(const KLatexText& n) const { return n; }
+        KLatexVariant operator()(const KLatexCommand& n) const
+        {
+            return KLatexCommand{n.name, cloneArgs(n.args, next)};
+        }
+        KLatexVariant operator()(const KLatexEnv& n) const
+        {
+            return KLatexEnv{n.name, cloneArgs(n.args, next), cloneList(n.body, next)};
+        }
+        KLatexVariant operator()(const KLatexRow& n) const { return KLatexRow{cloneList(n.cells, next)}; }
+        KLatexVariant operator()(const KLatexScript& n) const
+        {
+            return KLatexScript{cloneNode(n.base.get(), next), cloneNode(n.sup.get(), next),
+                                cloneNode(n.sub.get(), next)};
+        }
+        KLatexVariant operator()(const KLatexLeftRight& n) const
+        {
+            return KLatexLeftRight{n.left, n.right, cloneNode(n.body.get(), next), n.useLeftRight};
+        }
+        KLatexVariant operator()(const KLatexUnknownCommand& n) const
+        {
+            return KLatexUnknownCommand{n.name, cloneArgs(n.args, next)};
+        }
+    };
+    return std::make_unique<KLatexNode>(KLatexNode{std::visit(KCloner{next}, node->value)});
+}
+
+// One child position of a group during limits merging: either the original
+// child or a node rebuilt by the merge, which then owns it.
+struct KSlot {
+    const KLatexNode* node = nullptr;
+    KLatexNodePtr owned;
+
+    void set(KLatexNodePtr replacement)
+    {
+        owned = std::move(replacement);
+        node = owned.get();
+    }
+    void clear()
+    {
+        owned.reset();
+        node = nullptr;
+    }
+    // The slot's node as an owned tree: moved when the slot owns it, copied otherwise.
+    KLatexNodePtr take(int depth)
+    {
+        KLatexNodePtr result = owned ? std::move(owned) : cloneNode(node, depth);
+        clear();
+        return result;
+    }
+};
+
+// The command a limits marker or an operator is: a plain command, or the
+// command that is the base of a script.
+const KLatexCommand* commandOrScriptBase(const KLatexNode* node)
+{
+    if (const auto* command = latexAs<KLatexCommand>(node))
+        return command;
+    if (const auto* script = latexAs<KLatexScript>(node))
+        return latexAs<KLatexCommand>(script->base.get());
+    return nullptr;
+}
+
+bool isLimitsMarker(const KLatexCommand* command)
+{
+    return command && (command->name == kLimits || command->name == kNoLimits);
+}
+
+// A command named `name` carrying a copy of `source`'s arguments.
+KLatexNodePtr renamedCommand(const QString& name, const KLatexCommand& source, int depth)
+{
+    return makeCommand(name, cloneArgs(source.args, depth));
+}
+
+// The script `source` with a new base; its scripts are moved or copied along.
+KLatexNodePtr rebasedScript(KLatexNodePtr base, KSlot& source, int depth)
+{
+    if (source.owned) {
+        auto* script = latexAs<KLatexScript>(source.owned.get());
+        KLatexNodePtr result = makeScript(std::move(base), std::move(script->sup), std::move(script->sub));
+        source.clear();
+        return result;
+    }
+    const auto* script = latexAs<KLatexScript>(source.node);
+    return makeScript(std::move(base), cloneNode(script->sup.get(), depth),
+                      cloneNode(script->sub.get(), depth));
+}
+
+bool sameColour(const std::optional<QColor>& a, const std::optional<QColor>& b)
+{
+    if (a.has_value() != b.has_value())
+        return false;
+    return !a || *a == *b;
+}
+
+bool sameRunProperties(const ORun& a, const ORun& b)
+{
+    return a.mathProps.script == b.mathProps.script && a.mathProps.style == b.mathProps.style &&
+           a.wordProps.asciiFont == b.wordProps.asciiFont && a.wordProps.hAnsiFont == b.wordProps.hAnsiFont &&
+           a.wordProps.hint == b.wordProps.hint && a.wordProps.italic == b.wordProps.italic &&
+           a.wordProps.bold == b.wordProps.bold && sameColour(a.wordProps.color, b.wordProps.color);
+}
+
+// Merges neighbouring runs of equal properties and hands every n-ary operator and
+// function the node that follows it as its operand.
+KOmmlNodeList postProcess(KOmmlNodeList accumulated)
+{
+    KOmmlNodeList output;
+    output.reserve(accumulated.size());
+    const std::size_t count = accumulated.size();
+    auto nextNode = [&](std::size_t from) {
+        while (from < count && !accumulated[from])
+            ++from;
+        return from;
+    };
+    for (std::size_t i = nextNode(0); i < count; i = nextNode(i + 1)) {
+        KOmmlNodePtr node = std::move(accumulated[i]);
+        if (auto* run = ommlAs<ORun>(node.get())) {
+            for (std::size_t j = nextNode(i + 1); j < count; j = nextNode(j + 1)) {
+                const auto* following = ommlAs<ORun>(accumulated[j].get());
+                if (!following || !sameRunProperties(*run, *following))
+                    break;
+                run->text += following->text;
+                i = j;
+            }
+        } else if (auto* nary = ommlAs<ONaryOperator>(node.get())) {
+            const std::size_t j = nextNode(i + 1);
+            if (j < count) {
+                nary->e.push_back(std::move(accumulated[j]));
+                i = j;
+            }
+        } else if (auto* function = ommlAs<OFunction>(node.get())) {
+            const std::size_t j = nextNode(i + 1);
+            if (j < count) {
+                function->e.push_back(std::move(accumulated[j]));
+                i = j;
+            }
+        }
+        output.push_back(std::move(node));
+    }
+    return output;
+}
+
+} // namespace
+
+struct KLatexAst2Omml::KDispatch {
+    KLatexAst2Omml& converter;
+
+    KOmmlNodeList operator()(const KLatexGroup& group) const { return converter.convertGroup(group); }
+    KOmmlNodeList operator()(const KLatexText& text) const
+    {
+        return makeOmmlList(converter.makeStyledRun(text.text));
+    }
+    KOmmlNodeList operator()(const KLatexCommand& command) const
+    {
+        const KLatexSymbol* entry = lookupCommand(command.name);
+        return entry ? entry->command(converter, command) : KOmmlNodeList();
+    }
+    KOmmlNodeList operator()(const KLatexEnv& environment) const
+    {
+        const KLatexEnvironment* entry = lookupEnvironment(environment.name);
+        return entry ? entry->handler(converter, environment) : KOmmlNodeList();
+    }
+    KOmmlNodeList operator()(const KLatexRow& row) const
+    {
+        KOmmlNodeList result;
+        for (const KLatexNodePtr& cell : row.cells)
+            appendNodes(result, converter.convert(cell.get()));
+        return result;
+    }
+    KOmmlNodeList operator()(const KLatexScript& script) const { return converter.convertScript(script); }
+    KOmmlNodeList operator()(const KLatexLeftRight& fence) const { return converter.convertLeftRight(fence); }
+    KOmmlNodeList operator()(const KLatexUnknownCommand& command) const
+    {
+        return converter.convertUnknown(command);
+    }
+};
+
+void KLatexAst2Omml::prepare(bool renderMode)
+{
+    m_styles.clear();
+    m_styles.push_back(OControlProperties{});
+    m_renderMode = renderMode;
+    m_depth = 0;
+}
+
+KOmmlNodeList KLatexAst2Omml::convert(const KLatexNode& node)
+{
+    KDepthGuard guard(m_depth);
+    if (guard.tooDeep())
+        return {};
+    return std::visit(KDispatch{*this}, node.value);
+}
+
+KOmmlNodeList KLatexAst2Omml::convert(const KLatexNode* node)
+{
+    return node ? convert(*node) : KOmmlNodeList();
+}
+
+KOmmlNodeList KLatexAst2Omml::convertArgument(const KLatexArgs& args, std::size_t index)
+{
+    return convert(argumentNode(args, index));
+}
+
+KRunProperties KLatexAst2Omml::currentRunProperties() const
+{
+    const OControlProperties& style = currentStyle();
+    return KRunProperties{style.mathProps.value_or(OMathRunProperties{}), style.wordProps};
+}
+
+KOmmlNodePtr KLatexAst2Omml::makeStyledRun(QString text) const
+{
+    KRunProperties properties = currentRunProperties();
+    return makeOmmlNode(ORun{std::move(text), properties.mathProps, std::move(properties.wordProps)});
+}
+
+KOmmlNodeList KLatexAst2Omml::convertGroup(const KLatexGroup& group)
+{
+    const std::size_t count = group.children.size();
+    std::vector<KSlot> slots(count);
+    for (std::size_t i = 0; i < count; ++i)
+        slots[i].node = group.children[i].get();
+
+    KOmmlNodeList accumulated;
+    for (std::size_t i = 0; i < count; ++i) {
+        KSlot& current = slots[i];
+        if (!current.node)
+            continue;
+        if (i + 1 < count && slots[i + 1].node) {
+            KSlot& next = slots[i + 1];
+            const bool nextIsScript = latexAs<KLatexScript>(next.node) != nullptr;
+            const KLatexCommand* marker = commandOrScriptBase(next.node);
+            if (isLimitsMarker(marker)) {
+                const KLatexCommand* operatorCommand = commandOrScriptBase(current.node);
+                const bool currentIsScript = latexAs<KLatexScript>(current.node) != nullptr;
+                QString key;
+                if (operatorCommand)
+                    key = operatorCommand->name + QLatin1Char('\\') + marker->name;
+                if (operatorCommand && lookupCommand(key)) {
+                    if (currentIsScript && !nextIsScript) {
+                        // The operator takes the marker into its name and keeps its scripts.
+                        KLatexNodePtr base = renamedCommand(key, *operatorCommand, m_depth);
+                        current.set(rebasedScript(std::move(base), current, m_depth));
+                        next.clear();
+                    } else {
+                        // The marker becomes the operator; scripts on the operator are lost.
+                        KLatexNodePtr command = renamedCommand(key, *marker, m_depth);
+                        if (nextIsScript)
+                            next.set(rebasedScript(std::move(command), next, m_depth));
+                        else
+                            next.set(std::move(command));
+                        current.clear();
+                        continue;
+                    }
+                } else if (nextIsScript) {
+                    // A marker that cannot merge gives its scripts to what precedes it.
+                    KLatexNodePtr base = current.take(m_depth);
+                    next.set(rebasedScript(std::move(base), next, m_depth));
+                    continue;
+                } else {
+                    next.clear();
+                }
+            }
+        }
+        appendNodes(accumulated, convert(current.node));
+    }
+    return postProcess(std::move(accumulated));
+}
+
+KOmmlNodeList KLatexAst2Omml::convertScript(const KLatexScript& script)
+{
+    if (const auto* baseCommand = latexAs<KLatexCommand>(script.base.get())) {
+        const KLatexSymbol* entry = lookupCommand(baseCommand->name);
+        if (!entry)
+            return {};
+        if (entry->script)
+            return entry->script(*this, script);
+    }
+    KOmmlNodeList base = convert(script.base.get());
+    std::optional<KOmmlNodeList> sub;
+    std::optional<KOmmlNodeList> sup;
+    if (script.sub)
+        sub = convert(*script.sub);
+    if (script.sup)
+        sup = convert(*script.sup);
+    KOmmlNodePtr element = makeScriptElement(std::move(base), std::move(sub), std::move(sup));
+    return element ? makeOmmlList(std::move(element)) : KOmmlNodeList();
+}
+
+KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
+{
+    const QString* left = lookupDelimiter(fence.left);
+    if (!left)
+        return {};
+    const QString* right = lookupDelimiter(fence.right);
+    if (!right)
+        return {};
+    ODelimiter delimiter;
+    delimiter.begChr = *left;
+    delimiter.endChr = *right;
+    delimiter.e = convert(fence.body.get());
+    return makeOmmlList(makeOmmlNode(std::move(delimiter)));
+}
+
+KOmmlNodeList KLatexAst2Omml::convertUnknown(const KLatexUnknownCommand& command) const
+{
+    KOmmlNodePtr run = makePlainRun(QLatin1Char('\\') + command.name);
+    if (m_renderMode)
+        ommlAs<ORun>(run.get())->wordProps.color = QColor(255, 0, 0);
+    return makeOmmlList(std::move(run));
+}
+
+const KLatexNode* argumentNode(const KLatexArgs& args, std::size_t index)
+{
+    return index < args.size() ? args[index].node.get() : nullptr;
+}
+
+bool hasExactArguments(const KLatexArgs& args, std::size_t count)
+{
+    if (args.size() != count)
+        return false;
+    for (const KLatexArg& arg : args)
+        if (!arg.node)
+            return false;
+    return true;
+}
+
+KOmmlNodePtr makePlainRun(QString text)
+{
+    return makeOmmlNode(ORun{std::move(text), OMathRunProperties{}, OWordRunProperties{}});
+}
+
+void appendNodes(KOmmlNodeList& target, KOmmlNodeList&& source)
+{
+    if (target.empty()) {
+        target = std::move(source);
+        return;
+    }
+    target.reserve(target.size() + source.size());
+    for (KOmmlNodePtr& node : source)
+        target.push_back(std::move(node));
+    source.clear();
+}
+
+KOmmlNodePtr makeScriptElement(KOmmlNodeList base, std::optional<KOmmlNodeList> sub,
+                               std::optional<KOmmlNodeList> sup)
+{
+    if (sub && sup)
+        return makeOmmlNode(OSubSuperscript{std::move(base), std::move(*sub), std::move(*sup), {}});
+    if (sub)
+        return makeOmmlNode(OSubscript{std::move(base), std::move(*sub), {}});
+    if (sup)
+        return makeOmmlNode(OSuperscript{std::move(base), std::move(*sup), {}});
+    return nullptr;
+}

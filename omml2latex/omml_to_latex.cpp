@@ -1,0 +1,368 @@
+#include "omml2latex/omml_to_latex.h"
+
+#include "omml2latex/tables.h"
+
+#include <algorithm>
+
+namespace {
+
+KLatexArg braceArg(KLatexNodePtr node)
+{
+    return KLatexArg{false, std::move(node)};
+}
+
+KLatexArg bracketArg(KLatexNodePtr node)
+{
+    return KLatexArg{true, std::move(node)};
+}
+
+KLatexNodePtr command(const QString& name, KLatexNodePtr a = nullptr, KLatexNodePtr b = nullptr)
+{
+    KLatexArgs args;
+    if (a)
+        args.push_back(braceArg(std::move(a)));
+    if (b)
+        args.push_back(braceArg(std::move(b)));
+    return makeCommand(name, std::move(args));
+}
+
+// A plain brace group around a body, printed as "{body}".
+KLatexNodePtr braced(KLatexNodePtr body)
+{
+    return makeLeftRight(QStringLiteral("{"), QStringLiteral("}"), std::move(body), false);
+}
+
+template <class... Nodes> KLatexNodePtr groupOf(Nodes... nodes)
+{
+    KLatexNodeList children;
+    (children.push_back(std::move(nodes)), ...);
+    return makeGroup(std::move(children));
+}
+
+// The non-null elements of a node list.
+std::vector<const KOmmlNode*> present(const KOmmlNodeList& list)
+{
+    std::vector<const KOmmlNode*> nodes;
+    for (const KOmmlNodePtr& node : list) {
+        if (node)
+            nodes.push_back(node.get());
+    }
+    return nodes;
+}
+
+const KOmmlNode* single(const KOmmlNodeList& list)
+{
+    const std::vector<const KOmmlNode*> nodes = present(list);
+    return nodes.size() == 1 ? nodes.front() : nullptr;
+}
+
+bool runIsStyled(const ORun& run)
+{
+    const OWordRunProperties& word = run.wordProps;
+    return run.mathProps.style.has_value() || !word.asciiFont.isEmpty() || word.italic || word.bold ||
+           word.color.has_value();
+}
+
+// The name and scripts of a function application, after a script element
+// around the name has been taken apart.
+struct FunctionName {
+    const KOmmlNodeList* names = nullptr;
+    const KOmmlNodeList* sub = nullptr;
+    const KOmmlNodeList* sup = nullptr;
+};
+
+FunctionName splitFunctionName(const OFunction& function)
+{
+    FunctionName split{&function.fName};
+    const KOmmlNode* only = single(function.fName);
+    if (const auto* s = ommlAs<OSubscript>(only)) {
+        split = {&s->e, &s->sub, nullptr};
+    } else if (const auto* s = ommlAs<OSuperscript>(only)) {
+        split = {&s->e, nullptr, &s->sup};
+    } else if (const auto* s = ommlAs<OSubSuperscript>(only)) {
+        split = {&s->e, &s->sub, &s->sup};
+    }
+    return split;
+}
+
+} // namespace
+
+class KOmmlToLatexConverter::OmmlToLatexVisitor {
+public:
+    explicit OmmlToLatexVisitor(KOmmlToLatexConverter& converter) : m_converter(converter) {}
+
+    KLatexNodePtr operator()(const OMathParagraph&) { return nullptr; }
+
+    KLatexNodePtr operator()(const OMathEquation& equation)
+    {
+        const std::vector<const KOmmlNode*> children = present(equation.children);
+        if (children.empty())
+            return nullptr;
+        if (children.size() == 1)
+            return convert(children.front());
+        return list(equation.children);
+    }
+
+    KLatexNodePtr operator()(const ORun& run)
+    {
+        KLatexNodePtr text = runTextToLatex(run.text);
+        if (!runIsStyled(run))
+            return text;
+        return applyStyle(std::move(text), &run.mathProps, run.wordProps);
+    }
+
+    KLatexNodePtr operator()(const OFraction& fraction)
+    {
+        QString name = QStringLiteral("frac");
+        if (fraction.type == OFractionType::noBar)
+            name = QStringLiteral("binom");
+        else if (fraction.type == OFractionType::linear)
+            name = QStringLiteral("tfrac");
+        else if (fraction.type == OFractionType::skewed)
+            name = QStringLiteral("sfrac");
+        return styled(command(name, list(fraction.num), list(fraction.den)), fraction.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OSuperscript& script)
+    {
+        return styled(makeScript(list(script.e), list(script.sup), nullptr), script.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OSubscript& script)
+    {
+        return styled(makeScript(list(script.e), nullptr, list(script.sub)), script.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OSubSuperscript& script)
+    {
+        return styled(makeScript(list(script.e), list(script.sup), list(script.sub)), script.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const ORadical& radical)
+    {
+        KLatexArgs args;
+        if (radical.deg && !radical.degHide && !present(*radical.deg).empty())
+            args.push_back(bracketArg(list(*radical.deg)));
+        else if (!radical.degHide)
+            args.push_back(bracketArg(makeGroup()));
+        args.push_back(braceArg(list(radical.e)));
+        return styled(makeCommand(QStringLiteral("sqrt"), std::move(args)), radical.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const ONaryOperator& nary)
+    {
+        if (nary.chr.isEmpty())
+            return styled(nullptr, nary.ctrlPr);
+        const QString name = naryCommands().value(nary.chr);
+        const QString placement =
+            nary.limLoc == OLimitLocation::undOvr ? QStringLiteral("limits") : QStringLiteral("nolimits");
+        KLatexNodePtr op = groupOf(command(name), command(placement));
+        KLatexNodePtr sub = nary.subHide ? nullptr : list(nary.sub);
+        KLatexNodePtr sup = nary.supHide ? nullptr : list(nary.sup);
+        if (sub || sup)
+            op = makeScript(std::move(op), std::move(sup), std::move(sub));
+        KLatexNodePtr body = braced(list(nary.e));
+        return styled(groupOf(std::move(op), std::move(body)), nary.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OLimitLower& limit)
+    {
+        const std::vector<const KOmmlNode*> base = present(limit.e);
+        if (base.empty())
+            return styled(nullptr, limit.ctrlPr);
+        QString name;
+        if (const auto* run = ommlAs<ORun>(base.front()))
+            name = run->text.trimmed().toLower();
+        KLatexNodePtr lim = list(limit.lim);
+        if (isLimitName(name))
+            return styled(makeScript(command(name), nullptr, std::move(lim)), limit.ctrlPr);
+        return styled(command(QStringLiteral("underset"), std::move(lim), list(limit.e)), limit.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OLimitUpper& limit)
+    {
+        return styled(command(QStringLiteral("overset"), list(limit.lim), list(limit.e)), limit.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OFunction& function)
+    {
+        KLatexNodePtr argument = list(function.e);
+        const FunctionName split = splitFunctionName(function);
+        KLatexNodePtr name;
+        if (const auto* run = ommlAs<ORun>(single(*split.names))) {
+            const QString text = run->text.trimmed();
+            const QString lower = text.toLower();
+            if (isFunctionName(lower))
+                name = command(lower);
+            else if (!text.isEmpty())
+                name = command(QStringLiteral("operatorname"), makeText(text));
+            else
+                name = list(function.fName);
+        } else {
+            name = list(*split.names);
+        }
+        if (split.sub || split.sup) {
+            KLatexNodePtr sub = split.sub ? list(*split.sub) : nullptr;
+            KLatexNodePtr sup = split.sup ? list(*split.sup) : nullptr;
+            name = makeScript(std::move(name), std::move(sup), std::move(sub));
+        }
+        KLatexNodePtr body = braced(std::move(argument));
+        return styled(groupOf(std::move(name), std::move(body)), function.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const ODelimiter& delimiter)
+    {
+        const KOmmlNode* only = single(delimiter.e);
+        if (delimiter.begChr == QLatin1String("(") && delimiter.endChr == QLatin1String(")")) {
+            const auto* fraction = ommlAs<OFraction>(only);
+            if (fraction && fraction->type == OFractionType::noBar) {
+                return styled(command(QStringLiteral("binom"), list(fraction->num), list(fraction->den)),
+                              delimiter.ctrlPr);
+            }
+        }
+        if (delimiter.begChr == QLatin1String("{") && delimiter.endChr.isEmpty() &&
+            ommlAs<OEquationArray>(only))
+            return styled(convert(only), delimiter.ctrlPr);
+        KLatexNodePtr body = list(delimiter.e);
+        KLatexNodePtr left = command(QStringLiteral("left"), fence(delimiter.begChr));
+        KLatexNodePtr right = command(QStringLiteral("right"), fence(delimiter.endChr));
+        return styled(groupOf(std::move(left), std::move(body), std::move(right)), delimiter.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OAccent& accent)
+    {
+        if (accent.chr.isEmpty())
+            return styled(nullptr, accent.ctrlPr);
+        return styled(command(accentCommands().value(accent.chr), list(accent.e)), accent.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OBar& bar)
+    {
+        const QString name =
+            bar.pos == OPosition::bottom ? QStringLiteral("underline") : QStringLiteral("overline");
+        return command(name, list(bar.e));
+    }
+
+    KLatexNodePtr operator()(const OBorderBox& box)
+    {
+        const bool allHidden = box.hideTop && box.hideBot && box.hideLeft && box.hideRight;
+        QString name = QStringLiteral("boxed");
+        if (allHidden && box.strikeBLTR && box.strikeTLBR)
+            name = QStringLiteral("xcancel");
+        else if (allHidden && box.strikeBLTR)
+            name = QStringLiteral("cancel");
+        else if (allHidden && box.strikeTLBR)
+            name = QStringLiteral("bcancel");
+        return styled(command(name, list(box.e)), box.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OGroupChar& group)
+    {
+        if (groupCharCommands().contains(group.chr))
+            return styled(command(groupCharCommands().value(group.chr), list(group.e)), group.ctrlPr);
+        KLatexNodePtr symbol = arrowCommands().contains(group.chr) ? command(arrowCommands().value(group.chr))
+                                                                   : makeText(group.chr);
+        const QString name =
+            group.pos == OPosition::top ? QStringLiteral("overset") : QStringLiteral("underset");
+        KLatexArgs args;
+        args.push_back(braceArg(std::move(symbol)));
+        args.push_back(braceArg(list(group.e)));
+        return styled(makeCommand(name, std::move(args)), group.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OMatrix& matrix)
+    {
+        if (matrix.rows.empty())
+            return styled(nullptr, matrix.ctrlPr);
+        size_t columns = 1;
+        for (const OMatrixRow& row : matrix.rows)
+            columns = std::max(columns, row.size());
+        KLatexNodeList rows;
+        for (const OMatrixRow& row : matrix.rows) {
+            KLatexNodeList cells;
+            for (size_t i = 0; i < columns; ++i)
+                cells.push_back(i < row.size() ? list(row[i]) : makeGroup());
+            rows.push_back(makeRow(std::move(cells)));
+        }
+        return styled(makeEnvironment(QStringLiteral("matrix"), {}, std::move(rows)), matrix.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OBox& box)
+    {
+        KLatexNodePtr body = list(box.e);
+        if (box.noBreak)
+            body = command(QStringLiteral("mbox"), std::move(body));
+        return styled(std::move(body), box.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OEquationArray& array)
+    {
+        if (array.rows.empty())
+            return styled(nullptr, array.ctrlPr);
+        KLatexNodeList rows;
+        for (const KOmmlNodeList& row : array.rows) {
+            KLatexNodeList cells;
+            cells.push_back(list(row));
+            rows.push_back(makeRow(std::move(cells)));
+        }
+        if (rows.size() == 1)
+            return styled(std::move(rows.front()), array.ctrlPr);
+        return styled(makeEnvironment(QStringLiteral("cases"), {}, std::move(rows)), array.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OPhantom& phantom)
+    {
+        return styled(command(QStringLiteral("phantom"), list(phantom.e)), phantom.ctrlPr);
+    }
+
+    KLatexNodePtr operator()(const OPreSubSuperscript& script)
+    {
+        KLatexNodePtr scripts = makeScript(makeGroup(), list(script.sup), list(script.sub));
+        KLatexNodePtr base = list(script.e);
+        return styled(groupOf(std::move(scripts), std::move(base)), script.ctrlPr);
+    }
+
+private:
+    KLatexNodePtr convert(const KOmmlNode* node) { return m_converter.convert(node); }
+    KLatexNodePtr list(const KOmmlNodeList& nodes) { return m_converter.convertList(nodes); }
+
+    static KLatexNodePtr styled(KLatexNodePtr node, const OControlProperties& ctrlPr)
+    {
+        return applyControlStyle(std::move(node), ctrlPr);
+    }
+
+    // A fence of \left or \right: a command for a named delimiter, else the
+    // character itself ("." for no fence).
+    static KLatexNodePtr fence(const QString& chr)
+    {
+        const QString name = delimiterName(chr);
+        if (name != chr && name != QLatin1String("."))
+            return command(name);
+        return makeText(name);
+    }
+
+    KOmmlToLatexConverter& m_converter;
+};
+
+KLatexNodePtr KOmmlToLatexConverter::convert(const KOmmlNode* node)
+{
+    if (!node || m_depth >= kMaxDepth)
+        return nullptr;
+    ++m_depth;
+    OmmlToLatexVisitor visitor(*this);
+    KLatexNodePtr result = std::visit(visitor, node->value);
+    --m_depth;
+    return result;
+}
+
+KLatexNodePtr KOmmlToLatexConverter::convertList(const KOmmlNodeList& list)
+{
+    KLatexNodeList results;
+    for (const KOmmlNodePtr& node : list) {
+        if (KLatexNodePtr converted = convert(node.get()))
+            results.push_back(std::move(converted));
+    }
+    if (results.size() == 1)
+        return std::move(results.front());
+    return makeGroup(std::move(results));
+}

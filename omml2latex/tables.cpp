@@ -1,0 +1,178 @@
+#include "omml2latex/tables.h"
+
+#include <QMap>
+#include <QSet>
+
+#include <cstdint>
+
+namespace {
+
+struct ColourEntry {
+    uint32_t rgb; // 0xFFRRGGBB
+    const char16_t* name;
+};
+
+QSet<QString> makeNameSet(std::initializer_list<const char16_t*> names)
+{
+    QSet<QString> set;
+    for (const char16_t* name : names)
+        set.insert(QString::fromUtf16(name));
+    return set;
+}
+
+template <int N> KCharTable makeCharTable(const KCharTable::Entry (&entries)[N])
+{
+    return KCharTable(entries, N);
+}
+
+} // namespace
+
+KCharTable::KCharTable(const Entry* entries, int count)
+{
+    for (int i = 0; i < count; ++i)
+        m_map.insert(QString::fromUtf16(entries[i].key), QString::fromUtf16(entries[i].value));
+}
+
+const KCharTable& accentCommands()
+{
+    static const KCharTable::Entry entries[] = {
+#include "omml2latex/accent_commands.inc"
+    };
+    static const KCharTable table = makeCharTable(entries);
+    return table;
+}
+
+const KCharTable& naryCommands()
+{
+    static const KCharTable::Entry entries[] = {
+#include "omml2latex/nary_commands.inc"
+    };
+    static const KCharTable table = makeCharTable(entries);
+    return table;
+}
+
+const KCharTable& delimiterCommands()
+{
+    static const KCharTable::Entry entries[] = {
+#include "omml2latex/delimiter_commands.inc"
+    };
+    static const KCharTable table = makeCharTable(entries);
+    return table;
+}
+
+const KCharTable& groupCharCommands()
+{
+    static const KCharTable::Entry entries[] = {
+#include "omml2latex/group_char_commands.inc"
+    };
+    static const KCharTable table = makeCharTable(entries);
+    return table;
+}
+
+const KCharTable& arrowCommands()
+{
+    static const KCharTable::Entry entries[] = {
+#include "omml2latex/arrow_commands.inc"
+    };
+    static const KCharTable table = makeCharTable(entries);
+    return table;
+}
+
+QString delimiterName(const QString& chr)
+{
+    if (chr.isEmpty())
+        return QStringLiteral(".");
+    return delimiterCommands().value(chr);
+}
+
+bool isFunctionName(const QString& name)
+{
+    static const QSet<QString> names = makeNameSet({
+#include "omml2latex/function_names.inc"
+    });
+    return names.contains(name);
+}
+
+bool isLimitName(const QString& name)
+{
+    static const QSet<QString> names = makeNameSet({
+#include "omml2latex/limit_names.inc"
+    });
+    return names.contains(name);
+}
+
+QString fontFamilyCommand(const QString& lowerFontName)
+{
+    // QMap iterates in ascending QString order, which is UTF-16 code-unit order.
+    static const QMap<QString, QString> families = [] {
+        static const KCharTable::Entry entries[] = {
+#include "omml2latex/font_family_commands.inc"
+        };
+        QMap<QString, QString> map;
+        for (const KCharTable::Entry& entry : entries)
+            map.insert(QString::fromUtf16(entry.key), QString::fromUtf16(entry.value));
+        return map;
+    }();
+    QString command;
+    for (auto it = families.cbegin(); it != families.cend(); ++it) {
+        if (lowerFontName.contains(it.key()))
+            command = it.value();
+    }
+    return command;
+}
+
+QString styleCommand(OStyle style)
+{
+    switch (style) {
+    case OStyle::bold:
+        return QStringLiteral("mathbf");
+    case OStyle::italic:
+        return QStringLiteral("mathit");
+    case OStyle::boldItalic:
+        return QStringLiteral("boldsymbol");
+    case OStyle::plain:
+        break;
+    }
+    return QStringLiteral("mathrm");
+}
+
+QString scriptCommand(OScript script)
+{
+    switch (script) {
+    case OScript::script:
+        return QStringLiteral("mathcal");
+    case OScript::fraktur:
+        return QStringLiteral("mathfrak");
+    case OScript::doubleStruck:
+        return QStringLiteral("mathbb");
+    case OScript::sansSerif:
+        return QStringLiteral("mathsf");
+    case OScript::roman:
+    case OScript::monospace:
+        break;
+    }
+    return {};
+}
+
+QString colourName(const QColor& colour)
+{
+    static const QMap<uint32_t, QString> names = [] {
+        static const ColourEntry entries[] = {
+#include "omml2latex/colour_names.inc"
+        };
+        QMap<uint32_t, QString> map;
+        for (const ColourEntry& entry : entries)
+            map.insert(entry.rgb, QString::fromUtf16(entry.name));
+        return map;
+    }();
+    if (!colour.isValid())
+        return {};
+    const uint32_t rgb = 0xFF000000u | (colour.rgb() & 0x00FFFFFFu);
+    const auto it = names.constFind(rgb);
+    if (it != names.cend())
+        return it.value();
+    return QStringLiteral("#%1%2%3")
+        .arg(colour.red(), 2, 16, QLatin1Char('0'))
+        .arg(colour.green(), 2, 16, QLatin1Char('0'))
+        .arg(colour.blue(), 2, 16, QLatin1Char('0'));
+}

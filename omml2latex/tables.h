@@ -1,0 +1,57 @@
+#pragma once
+// The fixed vocabularies that turn OMML characters, names, fonts and colours
+// into LaTeX command names. Every table is built once, on first use, and only
+// read afterwards.
+
+#include "omml/omml_model.h"
+
+#include <QColor>
+#include <QHash>
+#include <QString>
+
+// A character-keyed map (the m:chr value compared as a whole string) whose
+// lookup falls back to the key itself.
+class KCharTable {
+public:
+    struct Entry {
+        const char16_t* key;
+        const char16_t* value;
+    };
+    // Later entries with the same key replace earlier ones.
+    KCharTable(const Entry* entries, int count);
+
+    bool contains(const QString& key) const { return m_map.contains(key); }
+    QString value(const QString& key) const { return m_map.value(key, key); }
+    int size() const { return m_map.size(); }
+
+private:
+    QHash<QString, QString> m_map;
+};
+
+const KCharTable& accentCommands();
+const KCharTable& naryCommands();
+const KCharTable& delimiterCommands();
+const KCharTable& groupCharCommands();
+const KCharTable& arrowCommands();
+
+// The delimiter name of a fence character: "." for no fence, the table's
+// command name, or the character itself.
+QString delimiterName(const QString& chr);
+
+// Membership of an already trimmed, lower-cased name.
+bool isFunctionName(const QString& name);
+bool isLimitName(const QString& name);
+
+// The font command chosen by a lower-cased font name: every key contained in
+// the name selects its command, keys tried in ascending order, the last
+// match winning. Empty when no key matches.
+QString fontFamilyCommand(const QString& lowerFontName);
+
+// "mathrm", "mathbf", "mathit", "boldsymbol".
+QString styleCommand(OStyle style);
+// "mathcal", "mathfrak", "mathbb", "mathsf"; empty for roman and monospace.
+QString scriptCommand(OScript script);
+
+// The \textcolor name of a colour: empty for an invalid colour, the colour
+// table's name for a listed RGB value (alpha ignored), else "#rrggbb".
+QString colourName(const QColor& colour);
