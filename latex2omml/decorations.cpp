@@ -9,11 +9,6 @@
 
 namespace {
 
-const KLatexNode* argumentNode(const KLatexCommand& command, size_t i)
-{
-    return i >= 1 && i <= command.args.size() ? command.args[i - 1].node.get() : nullptr;
-}
-
 // Hides the four sides of a border box so that only its strokes show.
 OBorderBox strokeBox(KOmmlNodeList content, const OControlProperties& ctrlPr)
 {
@@ -27,10 +22,9 @@ OBorderBox strokeBox(KOmmlNodeList content, const OControlProperties& ctrlPr)
 // Accents and marks below share one shape: the mark comes from the command table.
 KOmmlNodeList markedAccent(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* base = argumentNode(command, 1);
-    if (command.args.size() != 1 || !base)
+    if (!hasExactArguments(command.args, 1))
         return {};
-    KOmmlNodeList converted = ast.convert(*base);
+    KOmmlNodeList converted = ast.convert(*command.args[0].node);
     const KLatexSymbol* entry = lookupCommand(command.name);
     if (!entry)
         return {};
@@ -86,8 +80,7 @@ KOmmlNodeList groupCharacter(KLatexAst2Omml& ast, const KLatexCommand& command, 
     if (!entry)
         return {};
     OGroupChar group;
-    if (const KLatexNode* base = argumentNode(command, 1))
-        group.e = ast.convert(*base);
+    group.e = ast.convertArgument(command.args, 0);
     group.chr = entry->text;
     group.pos = placement.pos;
     group.vertJc = placement.vertJc;
@@ -157,10 +150,9 @@ KOmmlNodeList underAccent(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList bar(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* base = argumentNode(command, 1);
-    if (command.args.size() != 1 || !base)
+    if (!hasExactArguments(command.args, 1))
         return {};
-    KOmmlNodeList converted = ast.convert(*base);
+    KOmmlNodeList converted = ast.convert(*command.args[0].node);
     const auto found = barPositions().constFind(command.name);
     if (found == barPositions().constEnd())
         return {};
@@ -172,7 +164,7 @@ KOmmlNodeList bar(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList negation(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* base = argumentNode(command, 1);
+    const KLatexNode* base = argumentNode(command.args, 0);
     if (!base)
         return {};
     KOmmlNodeList converted = ast.convert(*base);
@@ -203,7 +195,7 @@ KOmmlNodeList cancel(KLatexAst2Omml& ast, const KLatexCommand& command)
     const auto found = cancelStrokes().constFind(command.name);
     if (found == cancelStrokes().constEnd())
         return {};
-    const KLatexNode* first = argumentNode(command, 1);
+    const KLatexNode* first = argumentNode(command.args, 0);
     if (!first)
         return {};
     if (!found->withValue) {
@@ -214,7 +206,7 @@ KOmmlNodeList cancel(KLatexAst2Omml& ast, const KLatexCommand& command)
     }
 
     // \cancelto{value}{content}: the struck content carries the value as a superscript.
-    const KLatexNode* content = argumentNode(command, 2);
+    const KLatexNode* content = argumentNode(command.args, 1);
     if (!content)
         return {};
     OBorderBox box = strokeBox(ast.convert(*content), ast.currentStyle());
@@ -253,7 +245,7 @@ KOmmlNodeList extensibleArrow(KLatexAst2Omml& ast, const KLatexCommand& command)
 
     const OControlProperties& style = ast.currentStyle();
     if (above.empty() && below.empty())
-        return makeOmmlList(makeOmmlNode(ORun{arrow, {}, {}}));
+        return makeOmmlList(makePlainRun(arrow));
     if (below.empty())
         return makeOmmlList(arrowOver(std::move(above), arrow, kUnderPlacement, style));
     if (above.empty())

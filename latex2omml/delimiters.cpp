@@ -9,11 +9,6 @@
 
 namespace {
 
-const KLatexNode* argumentNode(const KLatexCommand& command, size_t i)
-{
-    return i >= 1 && i <= command.args.size() ? command.args[i - 1].node.get() : nullptr;
-}
-
 // ---- rows and matrices -------------------------------------------------------
 
 using KRows = std::vector<OMatrixRow>;
@@ -103,7 +98,7 @@ const QHash<QString, double>& delimiterHeights()
 
 KOmmlNodePtr spaceRun()
 {
-    return makeOmmlNode(ORun{QStringLiteral(" "), {}, {}});
+    return makePlainRun(QStringLiteral(" "));
 }
 
 KOmmlNodePtr stackedSpaces(KOmmlNodePtr top)
@@ -122,7 +117,7 @@ KOmmlNodePtr strut(KStrut size)
     OPhantom phantom;
     switch (size) {
     case KStrut::big:
-        phantom.e = makeOmmlList(makeOmmlNode(ORun{QStringLiteral("|"), {}, {}}));
+        phantom.e = makeOmmlList(makePlainRun(QStringLiteral("|")));
         break;
     case KStrut::Big:
         phantom.e = makeOmmlList(stackedSpaces(spaceRun()));
@@ -150,8 +145,7 @@ KOmmlNodeList casesEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
     for (auto& row : buildRows(ast, env.body)) {
         KOmmlNodeList line;
         for (auto& cell : row)
-            for (auto& node : cell)
-                line.push_back(std::move(node));
+            appendNodes(line, std::move(cell));
         lines.rows.push_back(std::move(line));
     }
     lines.ctrlPr = ast.currentStyle();
@@ -178,7 +172,7 @@ KOmmlNodeList alignEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 
 KOmmlNodeList matrixCommand(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* body = argumentNode(command, 1);
+    const KLatexNode* body = argumentNode(command.args, 0);
     if (!body)
         return {};
     const KLatexSymbol* entry = lookupCommand(command.name);
@@ -195,7 +189,7 @@ KOmmlNodeList matrixCommand(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList bigDelimiter(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* argument = argumentNode(command, 1);
+    const KLatexNode* argument = argumentNode(command.args, 0);
     if (!argument)
         return {};
     KOmmlNodeList converted = ast.convert(*argument);

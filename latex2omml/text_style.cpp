@@ -10,12 +10,6 @@
 
 namespace {
 
-// The node of the 1-based argument i, or null when the argument is missing.
-const KLatexNode* argumentNode(const KLatexCommand& command, size_t i)
-{
-    return i >= 1 && i <= command.args.size() ? command.args[i - 1].node.get() : nullptr;
-}
-
 KOmmlNodeList convertStyled(KLatexAst2Omml& ast, const OControlProperties& style, const KLatexNode& node)
 {
     ast.pushStyle(style);
@@ -197,7 +191,7 @@ const QHash<QString, KModuloForm>& moduloForms()
 
 KOmmlNodeList mathFont(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* content = argumentNode(command, 1);
+    const KLatexNode* content = argumentNode(command.args, 0);
     if (!content)
         return {};
     const auto found = mathAlphabets().constFind(command.name);
@@ -224,7 +218,7 @@ KOmmlNodeList mathFont(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* content = argumentNode(command, 1);
+    const KLatexNode* content = argumentNode(command.args, 0);
     if (!content)
         return {};
     OControlProperties style = ast.currentStyle();
@@ -246,12 +240,10 @@ KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* spec = argumentNode(command, 1);
-    const KLatexNode* content = argumentNode(command, 2);
-    if (command.args.size() != 2 || !spec || !content)
+    if (!hasExactArguments(command.args, 2))
         return {};
-    const QString name = colourText(*spec);
-    KOmmlNodeList converted = ast.convert(*content);
+    const QString name = colourText(*command.args[0].node);
+    KOmmlNodeList converted = ast.convert(*command.args[1].node);
     if (name.isEmpty())
         return {};
     for (auto& node : converted)
@@ -263,15 +255,14 @@ KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
 KOmmlNodeList colorBox(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     // The background colour has no OMML form; only the content is kept.
-    if (command.args.size() != 2 || !argumentNode(command, 1))
+    if (command.args.size() != 2 || !argumentNode(command.args, 0))
         return {};
-    const KLatexNode* content = argumentNode(command, 2);
-    return content ? ast.convert(*content) : KOmmlNodeList{};
+    return ast.convertArgument(command.args, 1);
 }
 
 KOmmlNodeList box(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* content = argumentNode(command, 1);
+    const KLatexNode* content = argumentNode(command.args, 0);
     if (!content)
         return {};
     KOmmlNodeList converted = ast.convert(*content);
@@ -293,7 +284,7 @@ KOmmlNodeList box(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList space(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    const KLatexNode* dimension = argumentNode(command, 1);
+    const KLatexNode* dimension = argumentNode(command.args, 0);
     if (!dimension)
         return makeOmmlList(ast.makeStyledRun(QString::fromUtf16(kThinSpace)));
 
@@ -322,7 +313,7 @@ KOmmlNodeList modulo(KLatexAst2Omml& ast, const KLatexCommand& command)
     const auto found = moduloForms().constFind(command.name);
     if (found == moduloForms().constEnd())
         return {};
-    const KLatexNode* operand = argumentNode(command, 1);
+    const KLatexNode* operand = argumentNode(command.args, 0);
     if (found->readsArgument && !operand)
         return {};
     KOmmlNodeList result;
@@ -331,9 +322,7 @@ KOmmlNodeList modulo(KLatexAst2Omml& ast, const KLatexCommand& command)
             result.push_back(ast.makeStyledRun(QString::fromUtf16(piece.text)));
             continue;
         }
-        KOmmlNodeList converted = ast.convert(*operand);
-        for (auto& node : converted)
-            result.push_back(std::move(node));
+        appendNodes(result, ast.convert(*operand));
     }
     return result;
 }

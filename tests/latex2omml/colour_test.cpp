@@ -10,14 +10,14 @@ using namespace l2o_test;
 
 namespace {
 
-KOmmlNodePtr r(const char* text)
+KOmmlNodePtr runNode(const char* text)
 {
     return makeOmmlNode(ORun{QString::fromUtf8(text), {}, {}});
 }
 
-KOmmlNodeList one(const char* text)
+KOmmlNodeList oneRun(const char* text)
 {
-    return makeOmmlList(r(text));
+    return makeOmmlList(runNode(text));
 }
 
 const QString kNs = QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
@@ -51,113 +51,111 @@ std::vector<KindCase> kindCases()
         {"Paragraph",
          [] {
              OMathParagraph p;
-             p.equation = makeOmmlNode(OMathEquation{one("a")});
+             p.equation = makeOmmlNode(OMathEquation{oneRun("a")});
              return makeOmmlNode(std::move(p));
          },
-         "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr>" + val("jc", "centerGroup") +
+         "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr>" + val("m:jc", "centerGroup") +
              "</m:oMathParaPr><m:oMath xmlns:m=\"" + kNs + "\">" + ra + "</m:oMath></m:oMathPara>"},
         {"ParagraphWithoutEquation", [] { return makeOmmlNode(OMathParagraph{}); },
-         "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr>" + val("jc", "centerGroup") +
+         "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr>" + val("m:jc", "centerGroup") +
              "</m:oMathParaPr></m:oMathPara>"},
-        {"Equation", [] { return makeOmmlNode(OMathEquation{makeOmmlList(r("a"), nullptr, r("b"))}); },
+        {"Equation",
+         [] { return makeOmmlNode(OMathEquation{makeOmmlList(runNode("a"), nullptr, runNode("b"))}); },
          "<m:oMath xmlns:m=\"" + kNs + "\">" + ra + rb + "</m:oMath>"},
-        {"Run", [] { return r("a"); }, ra},
+        {"Run", [] { return runNode("a"); }, ra},
         {"Fraction",
          [] {
              OFraction f;
-             f.num = one("a");
-             f.den = one("b");
+             f.num = oneRun("a");
+             f.den = oneRun("b");
              return makeOmmlNode(std::move(f));
          },
-         frac("", ra, rb, redCtrl)},
+         frac(ra, rb, QString(), redCtrl)},
         {"Superscript",
          [] {
-             return makeOmmlNode(OSuperscript{one("a"), one("b"), {}});
+             return makeOmmlNode(OSuperscript{oneRun("a"), oneRun("b"), {}});
          },
          sSup(ra, rb)},
         {"Subscript",
          [] {
-             return makeOmmlNode(OSubscript{one("a"), one("b"), {}});
+             return makeOmmlNode(OSubscript{oneRun("a"), oneRun("b"), {}});
          },
-         withCtrl("sSub", ctrl(), arg("e", ra) + arg("sub", rb))},
+         sSub(ra, rb)},
         {"SubSuperscript",
          [] {
-             return makeOmmlNode(OSubSuperscript{one("a"), one("b"), one("c"), {}});
+             return makeOmmlNode(OSubSuperscript{oneRun("a"), oneRun("b"), oneRun("c"), {}});
          },
-         withCtrl("sSubSup", ctrl(), arg("e", ra) + arg("sub", rb) + arg("sup", rc))},
+         sSubSup(ra, rb, rc)},
         {"RadicalWithDegree",
          [] {
              ORadical rad;
-             rad.e = one("a");
-             rad.deg = one("b");
+             rad.e = oneRun("a");
+             rad.deg = oneRun("b");
              return makeOmmlNode(std::move(rad));
          },
-         withCtrl("rad", redCtrl + val("degHide", "off"), arg("deg", rb) + arg("e", ra))},
+         rad(ra, rb, false, redCtrl)},
         {"RadicalWithoutDegree",
          [] {
              ORadical rad;
-             rad.e = one("a");
+             rad.e = oneRun("a");
              rad.degHide = true;
              return makeOmmlNode(std::move(rad));
          },
-         withCtrl("rad", redCtrl + val("degHide", "on"), "<m:deg/>" + arg("e", ra))},
+         rad(ra, QString(), true, redCtrl)},
         {"NaryOperator",
          [] {
              ONaryOperator n;
-             n.e = one("a");
-             n.sub = one("b");
-             n.sup = one("c");
+             n.e = oneRun("a");
+             n.sub = oneRun("b");
+             n.sup = oneRun("c");
              return makeOmmlNode(std::move(n));
          },
-         withCtrl("nary",
-                  redCtrl + val("chr", u8"\u222B") + val("limLoc", "subSup") + val("subHide", "off") +
-                      val("supHide", "off"),
-                  arg("sub", rb) + arg("sup", rc) + arg("e", ra))},
+         nary(u8"\u222B", false, false, false, rb, rc, ra, redCtrl)},
         {"LimitLower",
          [] {
-             return makeOmmlNode(OLimitLower{one("a"), one("b"), {}});
+             return makeOmmlNode(OLimitLower{oneRun("a"), oneRun("b"), {}});
          },
          limLow(ra, rb)},
         {"LimitUpper",
          [] {
-             return makeOmmlNode(OLimitUpper{one("a"), one("b"), {}});
+             return makeOmmlNode(OLimitUpper{oneRun("a"), oneRun("b"), {}});
          },
          limUpp(ra, rb)},
         {"Function",
          [] {
-             return makeOmmlNode(OFunction{one("a"), one("b"), {}});
+             return makeOmmlNode(OFunction{oneRun("a"), oneRun("b"), {}});
          },
          func(ra, rb, redCtrl)},
         {"Delimiter",
          [] {
              ODelimiter d;
-             d.e = one("a");
+             d.e = oneRun("a");
              return makeOmmlNode(std::move(d));
          },
-         delim("(", ")", ra, redCtrl)},
+         d("(", ")", ra, redCtrl)},
         {"Accent",
          [] {
              OAccent acc;
-             acc.e = one("a");
+             acc.e = oneRun("a");
              return makeOmmlNode(std::move(acc));
          },
          accentEl(u8"\u0302", ra, redCtrl)},
         {"Bar",
          [] {
-             return makeOmmlNode(OBar{one("a"), OPosition::top});
+             return makeOmmlNode(OBar{oneRun("a"), OPosition::top});
          },
-         barEl("top", ra)},
+         bar("top", ra)},
         {"BorderBox",
          [] {
              OBorderBox box;
-             box.e = one("a");
+             box.e = oneRun("a");
              return makeOmmlNode(std::move(box));
          },
          borderBox({}, ra, redCtrl)},
         {"GroupChar",
          [] {
              OGroupChar g;
-             g.e = one("a");
+             g.e = oneRun("a");
              return makeOmmlNode(std::move(g));
          },
          groupChr(u8"\u23DF", "bot", "top", ra, redCtrl)},
@@ -165,9 +163,9 @@ std::vector<KindCase> kindCases()
          [] {
              OMatrix m;
              m.rows.resize(2);
-             m.rows[0].push_back(one("a"));
-             m.rows[0].push_back(one("b"));
-             m.rows[1].push_back(one("c"));
+             m.rows[0].push_back(oneRun("a"));
+             m.rows[0].push_back(oneRun("b"));
+             m.rows[1].push_back(oneRun("c"));
              m.columns = {OMatrixColumn{QStringLiteral("1"), OColumnJustification::center},
                           OMatrixColumn{QStringLiteral("1"), OColumnJustification::center}};
              m.cGp = m.cGpRule = QStringLiteral("0");
@@ -177,28 +175,28 @@ std::vector<KindCase> kindCases()
         {"Box",
          [] {
              OBox b;
-             b.e = one("a");
+             b.e = oneRun("a");
              return makeOmmlNode(std::move(b));
          },
          boxEl(ra, redCtrl)},
         {"EquationArray",
          [] {
              OEquationArray a;
-             a.rows.push_back(one("a"));
-             a.rows.push_back(one("b"));
+             a.rows.push_back(oneRun("a"));
+             a.rows.push_back(oneRun("b"));
              return makeOmmlNode(std::move(a));
          },
          eqArr({ra, rb})},
         {"Phantom",
          [] {
-             return makeOmmlNode(OPhantom{one("a"), {}});
+             return makeOmmlNode(OPhantom{oneRun("a"), {}});
          },
          phant(ra)},
         {"PreSubSuperscript",
          [] {
-             return makeOmmlNode(OPreSubSuperscript{one("a"), one("b"), one("c"), {}});
+             return makeOmmlNode(OPreSubSuperscript{oneRun("a"), oneRun("b"), oneRun("c"), {}});
          },
-         withCtrl("sPre", ctrl(), arg("sub", rb) + arg("sup", rc) + arg("e", ra))},
+         sPre(ra, rb, rc)},
     };
 }
 
@@ -208,23 +206,23 @@ INSTANTIATE_TEST_SUITE_P(AllKinds, ColourKinds, ::testing::ValuesIn(kindCases())
 TEST(ColourPass, ReachesRunsNestedInStructures)
 {
     OFraction inner;
-    inner.num = one("a");
-    inner.den = makeOmmlList(makeOmmlNode(OBar{one("b"), OPosition::bottom}));
+    inner.num = oneRun("a");
+    inner.den = makeOmmlList(makeOmmlNode(OBar{oneRun("b"), OPosition::bottom}));
     KOmmlNodePtr root = makeOmmlNode(OMathEquation{makeOmmlList(makeOmmlNode(ODelimiter{
         makeOmmlList(makeOmmlNode(std::move(inner))), QStringLiteral("["), QStringLiteral("]"), {}}))});
     applyColour(*root, QStringLiteral("#0000ff"));
     const QString blue = ctrl(colouredControl("0000ff"));
     EXPECT_EQ(ommlNodeToXml(*root), "<m:oMath xmlns:m=\"" + kNs + "\">" +
-                                        delim("[", "]",
-                                              frac("", run("a", coloured("0000ff")),
-                                                   barEl("bot", run("b", coloured("0000ff"))), blue),
-                                              blue) +
+                                        d("[", "]",
+                                          frac(run("a", coloured("0000ff")),
+                                               bar("bot", run("b", coloured("0000ff"))), QString(), blue),
+                                          blue) +
                                         "</m:oMath>");
 }
 
 TEST(ColourPass, ReplacesAnEarlierColour)
 {
-    KOmmlNodePtr node = r("a");
+    KOmmlNodePtr node = runNode("a");
     ommlAs<ORun>(node.get())->wordProps.color = QColor(0, 0, 255);
     applyColour(*node, QStringLiteral("red"));
     EXPECT_EQ(ommlNodeToXml(*node), ra);
@@ -235,8 +233,8 @@ TEST(ColourPass, EmptyNameSetsOnlyTheNodeItself)
     // The structure's own colour is set (to the invalid colour an empty name
     // gives); nothing below it is touched.
     OFraction f;
-    f.num = one("a");
-    f.den = one("b");
+    f.num = oneRun("a");
+    f.den = oneRun("b");
     ommlAs<ORun>(f.den[0].get())->wordProps.color = QColor(0, 0, 255);
     KOmmlNodePtr node = makeOmmlNode(std::move(f));
     applyColour(*node, QString());
@@ -254,7 +252,7 @@ TEST(ColourPass, NameFormsThatQColorReads)
         {"#80ff0000", "ff0000"}, {"#fff000000", "ff0000"}, {"nonsense", "000000"},
     };
     for (const auto& [name, written] : names) {
-        KOmmlNodePtr node = r("a");
+        KOmmlNodePtr node = runNode("a");
         applyColour(*node, QString::fromUtf8(name));
         EXPECT_EQ(ommlNodeToXml(*node), run("a", coloured(written))) << name;
     }
@@ -262,7 +260,7 @@ TEST(ColourPass, NameFormsThatQColorReads)
 
 TEST(ColourPass, VeryDeepTreesStopWithoutCrashing)
 {
-    KOmmlNodePtr node = r("a");
+    KOmmlNodePtr node = runNode("a");
     for (int i = 0; i < 5000; ++i)
         node = makeOmmlNode(OBox{makeOmmlList(std::move(node)), {}, true});
     applyColour(*node, QStringLiteral("red"));

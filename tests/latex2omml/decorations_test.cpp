@@ -46,7 +46,8 @@ class Accents : public ::testing::TestWithParam<MarkCase> {};
 
 TEST_P(Accents, PutTheirMarkOnTheArgument)
 {
-    EXPECT_EQ(convertTree(C(GetParam().name, A(G(T("x"))))), accentEl(QString::fromUtf8(GetParam().mark), x));
+    EXPECT_EQ(convertTree(command(GetParam().name, arg(group(text("x"))))),
+              accentEl(QString::fromUtf8(GetParam().mark), x));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -72,21 +73,27 @@ INSTANTIATE_TEST_SUITE_P(
 std::vector<TreeCase> accentAndBarCases()
 {
     return {
-        {"AccentTakesTheCurrentStyle", [] { return C("mathbf", A(G(C("hat", A(G(T("x"))))))); },
+        {"AccentTakesTheCurrentStyle",
+         [] { return command("mathbf", arg(group(command("hat", arg(group(text("x"))))))); },
          accentEl(u8"\u0302", run("x", bold), ctrl(bold))},
-        {"AccentOverAStructure", [] { return C("vec", A(G(C("frac", A(T("a")), A(T("b")))))); },
-         accentEl(u8"\u20D7", frac("", run("a"), run("b")))},
-        {"AccentWithoutArgument", [] { return C("hat"); }, ""},
-        {"AccentWithTwoArguments", [] { return C("hat", A(G(T("x"))), A(G(T("y")))); }, ""},
-        {"UnderAccentWithTwoArguments", [] { return C("wideutilde", A(G(T("x"))), A(G(T("y")))); }, ""},
-        {"AccentOnNothing", [] { return C("tilde", A(G())); }, accentEl(u8"\u0303", "")},
-        {"Overline", [] { return C("overline", A(G(T("AB")))); }, barEl("top", run("AB"))},
-        {"Underline", [] { return C("underline", A(G(T("x")))); }, barEl("bot", x)},
-        {"Underbar", [] { return C("underbar", A(G(T("x")))); }, barEl("bot", x)},
-        {"BarHasNoControlProperties", [] { return C("mathbf", A(G(C("overline", A(G(T("x"))))))); },
-         barEl("top", run("x", bold))},
-        {"BarWithoutArgument", [] { return C("overline"); }, ""},
-        {"BarWithTwoArguments", [] { return C("underline", A(G(T("x"))), A(G(T("y")))); }, ""},
+        {"AccentOverAStructure",
+         [] { return command("vec", arg(group(command("frac", arg(text("a")), arg(text("b")))))); },
+         accentEl(u8"\u20D7", frac(run("a"), run("b")))},
+        {"AccentWithoutArgument", [] { return command("hat"); }, ""},
+        {"AccentWithTwoArguments",
+         [] { return command("hat", arg(group(text("x"))), arg(group(text("y")))); }, ""},
+        {"UnderAccentWithTwoArguments",
+         [] { return command("wideutilde", arg(group(text("x"))), arg(group(text("y")))); }, ""},
+        {"AccentOnNothing", [] { return command("tilde", arg(group())); }, accentEl(u8"\u0303", "")},
+        {"Overline", [] { return command("overline", arg(group(text("AB")))); }, bar("top", run("AB"))},
+        {"Underline", [] { return command("underline", arg(group(text("x")))); }, bar("bot", x)},
+        {"Underbar", [] { return command("underbar", arg(group(text("x")))); }, bar("bot", x)},
+        {"BarHasNoControlProperties",
+         [] { return command("mathbf", arg(group(command("overline", arg(group(text("x"))))))); },
+         bar("top", run("x", bold))},
+        {"BarWithoutArgument", [] { return command("overline"); }, ""},
+        {"BarWithTwoArguments",
+         [] { return command("underline", arg(group(text("x"))), arg(group(text("y")))); }, ""},
     };
 }
 
@@ -98,29 +105,33 @@ const QStringList rising = hiddenSides({"strikeBLTR"});
 std::vector<TreeCase> strikeCases()
 {
     return {
-        {"NotEquals", [] { return C("not", A(T("="))); }, borderBox(falling, run("="))},
-        {"NotStrikesEachCharacter", [] { return C("not", A(G(T("ab")))); },
+        {"NotEquals", [] { return command("not", arg(text("="))); }, borderBox(falling, run("="))},
+        {"NotStrikesEachCharacter", [] { return command("not", arg(group(text("ab")))); },
          borderBox(falling, run("a")) + borderBox(falling, run("b"))},
-        {"NotOverAStructureRises", [] { return C("not", A(G(C("frac", A(T("a")), A(T("b")))))); },
-         borderBox(rising, frac("", run("a"), run("b")))},
-        {"NotOverMixedContent", [] { return C("not", A(G(T("a"), C("sqrt", A(T("b")))))); },
-         borderBox(falling, run("a")) + borderBox(rising, withCtrl("rad", ctrl() + val("degHide", "on"),
-                                                                   "<m:deg/>" + arg("e", run("b"))))},
-        {"NotKeepsTheRunLookAndTakesTheStyle", [] { return C("mathbf", A(G(C("not", A(C("in")))))); },
+        {"NotOverAStructureRises",
+         [] { return command("not", arg(group(command("frac", arg(text("a")), arg(text("b")))))); },
+         borderBox(rising, frac(run("a"), run("b")))},
+        {"NotOverMixedContent",
+         [] { return command("not", arg(group(text("a"), command("sqrt", arg(text("b")))))); },
+         borderBox(falling, run("a")) + borderBox(rising, rad(run("b"), QString(), true))},
+        {"NotKeepsTheRunLookAndTakesTheStyle",
+         [] { return command("mathbf", arg(group(command("not", arg(command("in")))))); },
          borderBox(falling, run(u8"\u2208", bold), ctrl(bold))},
-        {"NotOfNothing", [] { return C("not", A(G())); }, ""},
-        {"NotWithoutArgument", [] { return C("not"); }, ""},
-        {"Cancel", [] { return C("cancel", A(G(T("x")))); }, borderBox(rising, x)},
-        {"BackCancel", [] { return C("bcancel", A(G(T("x")))); }, borderBox(falling, x)},
-        {"CrossCancel", [] { return C("xcancel", A(G(T("x")))); },
+        {"NotOfNothing", [] { return command("not", arg(group())); }, ""},
+        {"NotWithoutArgument", [] { return command("not"); }, ""},
+        {"Cancel", [] { return command("cancel", arg(group(text("x")))); }, borderBox(rising, x)},
+        {"BackCancel", [] { return command("bcancel", arg(group(text("x")))); }, borderBox(falling, x)},
+        {"CrossCancel", [] { return command("xcancel", arg(group(text("x")))); },
          borderBox(hiddenSides({"strikeBLTR", "strikeTLBR"}), x)},
-        {"CancelTakesTheCurrentStyle", [] { return C("mathbf", A(G(C("cancel", A(G(T("x"))))))); },
+        {"CancelTakesTheCurrentStyle",
+         [] { return command("mathbf", arg(group(command("cancel", arg(group(text("x"))))))); },
          borderBox(rising, run("x", bold), ctrl(bold))},
-        {"CancelTo", [] { return C("cancelto", A(G(T("0"))), A(G(T("x")))); },
+        {"CancelTo", [] { return command("cancelto", arg(group(text("0"))), arg(group(text("x")))); },
          sSup(borderBox(rising, x), run("0"))},
-        {"CancelWithoutArgument", [] { return C("xcancel"); }, ""},
-        {"CancelToWithOneArgument", [] { return C("cancelto", A(G(T("0")))); }, ""},
-        {"CancelToWithoutValueNode", [] { return C("cancelto", A(nullptr), A(G(T("x")))); }, ""},
+        {"CancelWithoutArgument", [] { return command("xcancel"); }, ""},
+        {"CancelToWithOneArgument", [] { return command("cancelto", arg(group(text("0")))); }, ""},
+        {"CancelToWithoutValueNode", [] { return command("cancelto", arg(nullptr), arg(group(text("x")))); },
+         ""},
     };
 }
 
@@ -136,23 +147,25 @@ std::vector<TreeCase> groupCases()
 {
     const QString braceCtrl = ctrl(italicControl());
     return {
-        {"Overbrace", [] { return C("overbrace", A(G(T("x")))); },
+        {"Overbrace", [] { return command("overbrace", arg(group(text("x")))); },
          groupChr(u8"\u23DE", "top", "bot", x, braceCtrl)},
-        {"Overbracket", [] { return C("overbracket", A(G(T("x")))); },
+        {"Overbracket", [] { return command("overbracket", arg(group(text("x")))); },
          groupChr(u8"\u23B4", "top", "bot", x, braceCtrl)},
-        {"Overparen", [] { return C("overparen", A(G(T("x")))); },
+        {"Overparen", [] { return command("overparen", arg(group(text("x")))); },
          groupChr(u8"\u23DC", "top", "bot", x, braceCtrl)},
-        {"Underbrace", [] { return C("underbrace", A(G(T("x")))); },
+        {"Underbrace", [] { return command("underbrace", arg(group(text("x")))); },
          groupChr(u8"\u23DF", "bot", "top", x, braceCtrl)},
-        {"Underbracket", [] { return C("underbracket", A(G(T("x")))); },
+        {"Underbracket", [] { return command("underbracket", arg(group(text("x")))); },
          groupChr(u8"\u23B5", "bot", "top", x, braceCtrl)},
-        {"Underparen", [] { return C("underparen", A(G(T("x")))); },
+        {"Underparen", [] { return command("underparen", arg(group(text("x")))); },
          groupChr(u8"\u23DD", "bot", "top", x, braceCtrl)},
-        {"LabelAsAnOrdinaryScript", [] { return Sup(C("overbrace", A(G(T("a+b")))), G(T("n"))); },
+        {"LabelAsAnOrdinaryScript",
+         [] { return sup(command("overbrace", arg(group(text("a+b")))), group(text("n"))); },
          sSup(groupChr(u8"\u23DE", "top", "bot", run("a+b"), braceCtrl), run("n"))},
-        {"BraceWithoutArgument", [] { return C("underbrace"); },
+        {"BraceWithoutArgument", [] { return command("underbrace"); },
          groupChr(u8"\u23DF", "bot", "top", "", braceCtrl)},
-        {"BraceTakesTheCurrentStyleInItalic", [] { return C("mathbf", A(G(C("underbrace", A(G(T("x"))))))); },
+        {"BraceTakesTheCurrentStyleInItalic",
+         [] { return command("mathbf", arg(group(command("underbrace", arg(group(text("x"))))))); },
          groupChr(u8"\u23DF", "bot", "top", run("x", bold), ctrl(italicControl(bold)))},
     };
 }
@@ -163,8 +176,8 @@ TEST(Braces, OverGroupAcceptsOverequal)
 {
     KLatexAst2Omml converter;
     converter.prepare(false);
-    const auto command = C("overequal", A(G(T("x"))));
-    EXPECT_EQ(toXml(overGroup(converter, std::get<KLatexCommand>(command->value))),
+    const auto overequal = command("overequal", arg(group(text("x"))));
+    EXPECT_EQ(xmlOf(overGroup(converter, std::get<KLatexCommand>(overequal->value))),
               groupChr(u8"\u033F", "top", "bot", x, ctrl(italicControl())));
 }
 
@@ -172,10 +185,10 @@ TEST(Braces, NamesOfTheOtherSideAreShownLiterally)
 {
     KLatexAst2Omml converter;
     converter.prepare(false);
-    const auto under = C("underbrace", A(G(T("x"))));
-    EXPECT_EQ(toXml(overGroup(converter, std::get<KLatexCommand>(under->value))), run("\\underbrace") + x);
-    const auto over = C("overbrace", A(G(T("x"))));
-    EXPECT_EQ(toXml(underGroup(converter, std::get<KLatexCommand>(over->value))), run("\\overbrace") + x);
+    const auto under = command("underbrace", arg(group(text("x"))));
+    EXPECT_EQ(xmlOf(overGroup(converter, std::get<KLatexCommand>(under->value))), run("\\underbrace") + x);
+    const auto over = command("overbrace", arg(group(text("x"))));
+    EXPECT_EQ(xmlOf(underGroup(converter, std::get<KLatexCommand>(over->value))), run("\\overbrace") + x);
 }
 
 // Each arrow with one label above: the arrow runs under the label.
@@ -189,8 +202,9 @@ class Arrows : public ::testing::TestWithParam<ArrowCase> {};
 TEST_P(Arrows, RunUnderTheirLabel)
 {
     const QString arrow = QString::fromUtf8(GetParam().arrow);
-    EXPECT_EQ(convertTree(C(GetParam().name, A(G(T("f"))))), groupChr(arrow, "bot", "top", run("f")));
-    EXPECT_EQ(convertTree(C(GetParam().name, A(G()))), run(arrow));
+    EXPECT_EQ(convertTree(command(GetParam().name, arg(group(text("f"))))),
+              groupChr(arrow, "bot", "top", run("f")));
+    EXPECT_EQ(convertTree(command(GetParam().name, arg(group()))), run(arrow));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -209,37 +223,55 @@ const QString right = QString::fromUtf8(u8"\u2192");
 std::vector<TreeCase> arrowLabelCases()
 {
     return {
-        {"OnlyBelow", [] { return C("xrightarrow", O(G(T("g"))), A(G())); },
+        {"OnlyBelow", [] { return command("xrightarrow", opt(group(text("g"))), arg(group())); },
          groupChr(right, "top", "bot", run("g"))},
-        {"OnlyBelowWithoutAbove", [] { return C("xrightarrow", O(G(T("g")))); },
+        {"OnlyBelowWithoutAbove", [] { return command("xrightarrow", opt(group(text("g")))); },
          groupChr(right, "top", "bot", run("g"))},
-        {"EqualLengthsHugBelow", [] { return C("xrightarrow", O(G(T("g"))), A(G(T("f")))); },
+        {"EqualLengthsHugBelow",
+         [] { return command("xrightarrow", opt(group(text("g"))), arg(group(text("f")))); },
          limUpp(groupChr(right, "top", "bot", run("g")), run("f"))},
-        {"LongerBelowHugsBelow", [] { return C("xrightarrow", O(G(T("gg"))), A(G(T("f")))); },
+        {"LongerBelowHugsBelow",
+         [] { return command("xrightarrow", opt(group(text("gg"))), arg(group(text("f")))); },
          limUpp(groupChr(right, "top", "bot", run("gg")), run("f"))},
-        {"LongerAboveHugsAbove", [] { return C("xrightarrow", O(G(T("g"))), A(G(T("ff")))); },
+        {"LongerAboveHugsAbove",
+         [] { return command("xrightarrow", opt(group(text("g"))), arg(group(text("ff")))); },
          limLow(groupChr(right, "bot", "top", run("ff")), run("g"))},
         {"StructureCountsOne",
-         [] { return C("xrightarrow", O(G(C("frac", A(T("a")), A(T("bb"))))), A(G(T("ff")))); },
-         limLow(groupChr(right, "bot", "top", run("ff")), frac("", run("a"), run("bb")))},
+         [] {
+             return command("xrightarrow", opt(group(command("frac", arg(text("a")), arg(text("bb"))))),
+                            arg(group(text("ff"))));
+         },
+         limLow(groupChr(right, "bot", "top", run("ff")), frac(run("a"), run("bb")))},
         {"StructureAndCharacterTie",
-         [] { return C("xrightarrow", O(G(C("sqrt", A(T("a"))))), A(G(T("f")))); },
-         limUpp(groupChr(right, "top", "bot",
-                         withCtrl("rad", ctrl() + val("degHide", "on"), "<m:deg/>" + arg("e", run("a")))),
-                run("f"))},
+         [] {
+             return command("xrightarrow", opt(group(command("sqrt", arg(text("a"))))),
+                            arg(group(text("f"))));
+         },
+         limUpp(groupChr(right, "top", "bot", rad(run("a"), QString(), true)), run("f"))},
         {"NonBmpCountsTwoUnits",
-         [] { return C("xrightarrow", O(G(T(QString::fromUtf8(u8"\U0001D465")))), A(G(T("ff")))); },
+         [] {
+             return command("xrightarrow", opt(group(text(QString::fromUtf8(u8"\U0001D465")))),
+                            arg(group(text("ff"))));
+         },
          limUpp(groupChr(right, "top", "bot", run(QString::fromUtf8(u8"\U0001D465"))), run("ff"))},
         {"LastLabelOfEachKindWins",
-         [] { return C("xleftarrow", O(G(T("a"))), A(G(T("b"))), O(G(T("cc"))), A(G(T("d")))); },
+         [] {
+             return command("xleftarrow", opt(group(text("a"))), arg(group(text("b"))),
+                            opt(group(text("cc"))), arg(group(text("d"))));
+         },
          limUpp(groupChr(u8"\u2190", "top", "bot", run("cc")), run("d"))},
-        {"EmptyLabels", [] { return C("xrightarrow", O(G()), A(G())); }, run(right)},
-        {"NoArguments", [] { return C("xrightarrow"); }, run(right)},
-        {"PlainArrowIgnoresTheStyle", [] { return C("mathbf", A(G(C("xrightarrow", A(G()))))); }, run(right)},
-        {"LabelledArrowTakesTheStyle", [] { return C("mathbf", A(G(C("xrightarrow", A(G(T("f"))))))); },
+        {"EmptyLabels", [] { return command("xrightarrow", opt(group()), arg(group())); }, run(right)},
+        {"NoArguments", [] { return command("xrightarrow"); }, run(right)},
+        {"PlainArrowIgnoresTheStyle",
+         [] { return command("mathbf", arg(group(command("xrightarrow", arg(group()))))); }, run(right)},
+        {"LabelledArrowTakesTheStyle",
+         [] { return command("mathbf", arg(group(command("xrightarrow", arg(group(text("f"))))))); },
          groupChr(right, "bot", "top", run("f", bold), ctrl(bold))},
         {"BothLabelsTakeTheStyle",
-         [] { return C("mathbf", A(G(C("xrightarrow", O(G(T("g"))), A(G(T("ff"))))))); },
+         [] {
+             return command(
+                 "mathbf", arg(group(command("xrightarrow", opt(group(text("g"))), arg(group(text("ff")))))));
+         },
          limLow(groupChr(right, "bot", "top", run("ff", bold), ctrl(bold)), run("g", bold), ctrl(bold))},
     };
 }
@@ -253,7 +285,7 @@ TEST(Negation, SplitsNonBmpTextIntoCodeUnits)
     KLatexAst2Omml converter;
     converter.prepare(false);
     const QString clef = QString::fromUtf8(u8"\U0001D11E");
-    const auto root = G(C("not", A(T(clef))));
+    const auto root = group(command("not", arg(text(clef))));
     const KOmmlNodeList result = converter.convert(*root);
     ASSERT_EQ(result.size(), 2u);
     for (int i = 0; i < 2; ++i) {

@@ -26,65 +26,83 @@ TEST_P(DelimiterTrees, ConvertToExactOmml)
     EXPECT_EQ(convertTree(GetParam().tree()), GetParam().expected);
 }
 
-const QString a = run("a"), b = run("b"), c = run("c"), d = run("d");
+const QString ra = run("a"), rb = run("b"), rc = run("c"), rd = run("d");
 const QStringList centred2 = {"center", "center"};
 const Look bold = styled("b");
 
 // The strut runs keep default properties whatever the surrounding style is.
 const QString bigStrut = phant(run("|"));
-const QString BigStrut = phant(frac("nobar", run(" "), run(" ")));
-const QString biggStrut = phant(frac("nobar", frac("nobar", run(" "), run(" ")), run(" ")));
+const QString BigStrut = phant(frac(run(" "), run(" "), "nobar"));
+const QString biggStrut = phant(frac(frac(run(" "), run(" "), "nobar"), run(" "), "nobar"));
 
 KLatexNodePtr lineBreak(const char* spacing)
 {
-    return C("\\\\", O(G(T(spacing))));
+    return command("\\\\", opt(group(text(spacing))));
 }
 
 std::vector<TreeCase> environmentCases()
 {
     return {
-        {"Pmatrix", [] { return Env("pmatrix", L(Row(G(T("a")), G(T("b"))), Row(G(T("c")), G(T("d"))))); },
-         delim("(", ")", matrix(centred2, {{a, b}, {c, d}}))},
-        {"EmptyMatrixHasOneEmptyCell", [] { return Env("matrix", {}); }, matrix({"center"}, {{""}})},
+        {"Pmatrix",
+         [] {
+             return env("pmatrix", list(row(group(text("a")), group(text("b"))),
+                                        row(group(text("c")), group(text("d")))));
+         },
+         d("(", ")", matrix(centred2, {{ra, rb}, {rc, rd}}))},
+        {"EmptyMatrixHasOneEmptyCell", [] { return env("matrix", {}); }, matrix({"center"}, {{""}})},
         {"UnequalRowsAreNotPadded",
-         [] { return Env("bmatrix", L(Row(G(T("a")), G(T("b")), G(T("c"))), Row(G(T("d"))))); },
-         delim("[", "]", matrix({"center", "center", "center"}, {{a, b, c}, {d}}))},
+         [] {
+             return env("bmatrix", list(row(group(text("a")), group(text("b")), group(text("c"))),
+                                        row(group(text("d")))));
+         },
+         d("[", "]", matrix({"center", "center", "center"}, {{ra, rb, rc}, {rd}}))},
         {"SpacedLineBreakIsAnEmptyCell",
-         [] { return Env("vmatrix", L(Row(G(T("a")), lineBreak("2pt")), Row(G(T("b"))))); },
-         delim("|", "|", matrix(centred2, {{a, ""}, {b}}))},
-        {"NullCellIsEmpty", [] { return Env("Vmatrix", L(Row(G(T("a")), nullptr))); },
-         delim(u8"\u2016", u8"\u2016", matrix(centred2, {{a, ""}}))},
-        {"NonRowBodyNodeIsOneCell", [] { return Env("smallmatrix", L(G(T("a")), nullptr, T("b"))); },
-         matrix({"center"}, {{a}, {b}})},
+         [] { return env("vmatrix", list(row(group(text("a")), lineBreak("2pt")), row(group(text("b"))))); },
+         d("|", "|", matrix(centred2, {{ra, ""}, {rb}}))},
+        {"NullCellIsEmpty", [] { return env("Vmatrix", list(row(group(text("a")), nullptr))); },
+         d(u8"\u2016", u8"\u2016", matrix(centred2, {{ra, ""}}))},
+        {"NonRowBodyNodeIsOneCell",
+         [] { return env("smallmatrix", list(group(text("a")), nullptr, text("b"))); },
+         matrix({"center"}, {{ra}, {rb}})},
         {"ArraySpecificationIsIgnored",
-         [] { return Env("array", L(Row(G(T("a")), G(T("b")))), Args_(A(G(T("cc"))))); },
-         matrix(centred2, {{a, b}})},
-        {"StarredMatrixKeepsFences", [] { return Env("pmatrix*", L(Row(G(T("a")))), Args_(O(G(T("r"))))); },
-         delim("(", ")", matrix({"center"}, {{a}}))},
-        {"SmallBracketMatrix", [] { return Env("smallbmatrix", L(Row(G(T("a"))))); },
-         delim("[", "]", matrix({"center"}, {{a}}))},
-        {"MatrixTakesTheCurrentStyle", [] { return C("mathbf", A(G(Env("matrix", L(Row(G(T("a")))))))); },
+         [] {
+             return env("array", list(row(group(text("a")), group(text("b")))), args(arg(group(text("cc")))));
+         },
+         matrix(centred2, {{ra, rb}})},
+        {"StarredMatrixKeepsFences",
+         [] { return env("pmatrix*", list(row(group(text("a")))), args(opt(group(text("r"))))); },
+         d("(", ")", matrix({"center"}, {{ra}}))},
+        {"SmallBracketMatrix", [] { return env("smallbmatrix", list(row(group(text("a"))))); },
+         d("[", "]", matrix({"center"}, {{ra}}))},
+        {"MatrixTakesTheCurrentStyle",
+         [] { return command("mathbf", arg(group(env("matrix", list(row(group(text("a")))))))); },
          matrix({"center"}, {{run("a", bold)}}, ctrl(bold))},
         {"Cases",
          [] {
-             return Env("cases", L(Row(G(T("x")), G(T("x>0"))), Row(G(T("-x")), G(T("x"), C("le"), T("0")))));
+             return env("cases", list(row(group(text("x")), group(text("x>0"))),
+                                      row(group(text("-x")), group(text("x"), command("le"), text("0")))));
          },
-         delim("{", "", eqArr({run("x") + run("x&gt;0"), run("-x") + run(u8"x\u22640")}))},
-        {"CasesFencesTakeTheCurrentStyle", [] { return C("mathbf", A(G(Env("dcases", L(Row(G(T("a")))))))); },
-         delim("{", "", eqArr({run("a", bold)}, ctrl(bold)), ctrl(bold))},
-        {"RightCases", [] { return Env("rcases", L(Row(G(T("a"))), Row(G(T("b"))))); },
-         delim("", "}", eqArr({a, b}))},
-        {"EmptyCases", [] { return Env("cases", {}); }, delim("{", "", eqArr({""}))},
+         d("{", "", eqArr({run("x") + run("x&gt;0"), run("-x") + run(u8"x\u22640")}))},
+        {"CasesFencesTakeTheCurrentStyle",
+         [] { return command("mathbf", arg(group(env("dcases", list(row(group(text("a")))))))); },
+         d("{", "", eqArr({run("a", bold)}, ctrl(bold)), ctrl(bold))},
+        {"RightCases", [] { return env("rcases", list(row(group(text("a"))), row(group(text("b"))))); },
+         d("", "}", eqArr({ra, rb}))},
+        {"EmptyCases", [] { return env("cases", {}); }, d("{", "", eqArr({""}))},
         {"Aligned",
-         [] { return Env("aligned", L(Row(G(T("a")), G(T("=b"))), Row(G(T("c")), G(T("=d")), G(T("e"))))); },
-         matrix({"right", "left", "right"}, {{a, run("=b")}, {c, run("=d"), run("e")}})},
+         [] {
+             return env("aligned", list(row(group(text("a")), group(text("=b"))),
+                                        row(group(text("c")), group(text("=d")), group(text("e")))));
+         },
+         matrix({"right", "left", "right"}, {{ra, run("=b")}, {rc, run("=d"), run("e")}})},
         {"AlignStarAndGatherAndSplit",
          [] {
-             return G(Env("align*", L(Row(G(T("a"))))), Env("gather", L(Row(G(T("b"))))),
-                      Env("split", L(Row(G(T("c")), G(T("d"))))));
+             return group(env("align*", list(row(group(text("a"))))),
+                          env("gather", list(row(group(text("b"))))),
+                          env("split", list(row(group(text("c")), group(text("d"))))));
          },
-         matrix({"right"}, {{a}}) + matrix({"right"}, {{b}}) + matrix({"right", "left"}, {{c, d}})},
-        {"EnvironmentWithoutTableEntry", [] { return Env("Bmatrix", L(G(T("a")))); }, ""},
+         matrix({"right"}, {{ra}}) + matrix({"right"}, {{rb}}) + matrix({"right", "left"}, {{rc, rd}})},
+        {"EnvironmentWithoutTableEntry", [] { return env("Bmatrix", list(group(text("a")))); }, ""},
     };
 }
 
@@ -94,18 +112,23 @@ INSTANTIATE_TEST_SUITE_P(Environments, DelimiterTrees, ::testing::ValuesIn(envir
 std::vector<TreeCase> matrixCommandCases()
 {
     return {
-        {"Pmatrix", [] { return C("pmatrix", A(G(Row(G(T("a")), G(T("b"))), Row(G(T("c")), G(T("d")))))); },
-         delim("(", ")", matrix(centred2, {{a, b}, {c, d}}))},
-        {"BraceMatrixCommand", [] { return C("Bmatrix", A(G(Row(G(T("a")))))); },
-         delim("{", "}", matrix({"center"}, {{a}}))},
-        {"PlainMatrixGetsSpaceFences", [] { return C("matrix", A(G(Row(G(T("a")))))); },
-         delim(" ", " ", matrix({"center"}, {{a}}))},
-        {"DoubleBars", [] { return C("Vmatrix", A(G(Row(G(T("a")))))); },
-         delim(u8"\u2016", u8"\u2016", matrix({"center"}, {{a}}))},
-        {"EmptyGroup", [] { return C("bmatrix", A(G())); }, delim("[", "]", matrix({"center"}, {{""}}))},
-        {"ArgumentThatIsNotAGroup", [] { return C("vmatrix", A(T("ab"))); },
-         delim("|", "|", matrix({"center"}, {{run("ab")}}))},
-        {"WithoutArgument", [] { return C("pmatrix"); }, ""},
+        {"Pmatrix",
+         [] {
+             return command("pmatrix", arg(group(row(group(text("a")), group(text("b"))),
+                                                 row(group(text("c")), group(text("d"))))));
+         },
+         d("(", ")", matrix(centred2, {{ra, rb}, {rc, rd}}))},
+        {"BraceMatrixCommand", [] { return command("Bmatrix", arg(group(row(group(text("a")))))); },
+         d("{", "}", matrix({"center"}, {{ra}}))},
+        {"PlainMatrixGetsSpaceFences", [] { return command("matrix", arg(group(row(group(text("a")))))); },
+         d(" ", " ", matrix({"center"}, {{ra}}))},
+        {"DoubleBars", [] { return command("Vmatrix", arg(group(row(group(text("a")))))); },
+         d(u8"\u2016", u8"\u2016", matrix({"center"}, {{ra}}))},
+        {"EmptyGroup", [] { return command("bmatrix", arg(group())); },
+         d("[", "]", matrix({"center"}, {{""}}))},
+        {"ArgumentThatIsNotAGroup", [] { return command("vmatrix", arg(text("ab"))); },
+         d("|", "|", matrix({"center"}, {{run("ab")}}))},
+        {"WithoutArgument", [] { return command("pmatrix"); }, ""},
     };
 }
 
@@ -115,25 +138,27 @@ INSTANTIATE_TEST_SUITE_P(MatrixCommands, DelimiterTrees, ::testing::ValuesIn(mat
 std::vector<TreeCase> bigDelimiterCases()
 {
     return {
-        {"PairAroundContent", [] { return G(C("bigl", A(T("("))), T("x"), C("bigr", A(T(")")))); },
-         delim("(", "", bigStrut) + run("x") + delim("", ")", bigStrut)},
-        {"PlainFormOpens", [] { return C("big", A(T("["))); }, delim("[", "", bigStrut)},
-        {"MiddleFormOpens", [] { return C("bigm", A(T("|"))); }, delim("|", "", bigStrut)},
-        {"BigStrut", [] { return C("Bigl", A(T("("))); }, delim("(", "", BigStrut)},
-        {"BigMiddle", [] { return C("Bigm", A(T("/"))); }, delim("/", "", BigStrut)},
-        {"BiggStrut", [] { return C("biggr", A(T(")"))); }, delim("", ")", biggStrut)},
-        {"BiggPlain", [] { return C("bigg", A(T("("))); }, delim("(", "", biggStrut)},
-        {"BiggestStrut", [] { return C("Biggl", A(T("("))); }, delim("(", "", biggStrut)},
-        {"BiggestMiddle", [] { return C("Biggm", A(T("("))); }, delim("(", "", biggStrut)},
-        {"BiggestClosing", [] { return C("Biggr", A(T("]"))); }, delim("", "]", biggStrut)},
-        {"EscapedDoubleBar", [] { return C("bigl", A(C("|"))); }, delim(u8"\u2016", "", bigStrut)},
-        {"DotStaysADot", [] { return C("Bigr", A(T("."))); }, delim("", ".", BigStrut)},
-        {"StrutIgnoresTheStyle", [] { return C("mathbf", A(G(C("bigl", A(T("(")))))); },
-         delim("(", "", bigStrut)},
-        {"ArgumentConvertingToNothing", [] { return C("big", A(G())); }, ""},
-        {"WithoutArgument", [] { return C("Big"); }, ""},
-        {"FirstNodeNotARunPassesThrough", [] { return C("big", A(G(C("frac", A(T("a")), A(T("b")))))); },
-         frac("", a, b)},
+        {"PairAroundContent",
+         [] { return group(command("bigl", arg(text("("))), text("x"), command("bigr", arg(text(")")))); },
+         d("(", "", bigStrut) + run("x") + d("", ")", bigStrut)},
+        {"PlainFormOpens", [] { return command("big", arg(text("["))); }, d("[", "", bigStrut)},
+        {"MiddleFormOpens", [] { return command("bigm", arg(text("|"))); }, d("|", "", bigStrut)},
+        {"BigStrut", [] { return command("Bigl", arg(text("("))); }, d("(", "", BigStrut)},
+        {"BigMiddle", [] { return command("Bigm", arg(text("/"))); }, d("/", "", BigStrut)},
+        {"BiggStrut", [] { return command("biggr", arg(text(")"))); }, d("", ")", biggStrut)},
+        {"BiggPlain", [] { return command("bigg", arg(text("("))); }, d("(", "", biggStrut)},
+        {"BiggestStrut", [] { return command("Biggl", arg(text("("))); }, d("(", "", biggStrut)},
+        {"BiggestMiddle", [] { return command("Biggm", arg(text("("))); }, d("(", "", biggStrut)},
+        {"BiggestClosing", [] { return command("Biggr", arg(text("]"))); }, d("", "]", biggStrut)},
+        {"EscapedDoubleBar", [] { return command("bigl", arg(command("|"))); }, d(u8"\u2016", "", bigStrut)},
+        {"DotStaysADot", [] { return command("Bigr", arg(text("."))); }, d("", ".", BigStrut)},
+        {"StrutIgnoresTheStyle",
+         [] { return command("mathbf", arg(group(command("bigl", arg(text("(")))))); }, d("(", "", bigStrut)},
+        {"ArgumentConvertingToNothing", [] { return command("big", arg(group())); }, ""},
+        {"WithoutArgument", [] { return command("Big"); }, ""},
+        {"FirstNodeNotARunPassesThrough",
+         [] { return command("big", arg(group(command("frac", arg(text("a")), arg(text("b")))))); },
+         frac(ra, rb)},
     };
 }
 
@@ -146,17 +171,17 @@ TEST(DelimiterTables, ManyRowsAreKeptInOrder)
     QStringList expected;
     std::vector<QStringList> expectedRows;
     for (int i = 0; i < 500; ++i) {
-        rows.push_back(Row(G(T(QString::number(i)))));
+        rows.push_back(row(group(text(QString::number(i)))));
         expectedRows.push_back({run(QString::number(i))});
     }
-    EXPECT_EQ(convertTree(Env("matrix", std::move(rows))), matrix({"center"}, expectedRows));
+    EXPECT_EQ(convertTree(env("matrix", std::move(rows))), matrix({"center"}, expectedRows));
 }
 
 TEST(DelimiterTables, NonBmpCellsSurvive)
 {
     const QString clef = QString::fromUtf8(u8"\U0001D11E");
-    EXPECT_EQ(convertTree(Env("pmatrix", L(Row(G(T(clef)), G(T(clef)))))),
-              delim("(", ")", matrix(centred2, {{run(clef), run(clef)}})));
+    EXPECT_EQ(convertTree(env("pmatrix", list(row(group(text(clef)), group(text(clef)))))),
+              d("(", ")", matrix(centred2, {{run(clef), run(clef)}})));
 }
 
 } // namespace

@@ -1,96 +1,54 @@
 #pragma once
-// Builders shared by the handler family tests: syntax trees written as nested
-// calls, the conversion of a tree to OMML text, and the expected OMML text of
-// each element kind.
+// Additions for the handler family tests on top of the shared tree builders and
+// expected-OMML builders: runs and control properties in any look, and the
+// elements the structural tests do not need (matrices, boxes, accents, ...).
 
-#include "latex2omml/ast2omml.h"
-#include "omml/omml_writer.h"
+#include "omml_text.h"
+#include "tree_builders.h"
 
 #include <QStringList>
 
 #include <initializer_list>
 #include <utility>
 
-#include <ostream>
-
-// Readable failure messages: gtest finds this through argument-dependent lookup.
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
-
 namespace l2o_test {
+
+using namespace omml_text;
+using tree::arg;
+using tree::command;
+using tree::group;
+using tree::list;
+using tree::sup;
+using tree::text;
 
 // ---- syntax trees --------------------------------------------------------------
 
-inline KLatexNodePtr T(const char* text)
+inline KLatexNodePtr text(const QString& content)
 {
-    return makeText(text);
+    return makeText(content);
 }
 
-inline KLatexNodePtr T(const QString& text)
+// An optional ([..]) argument.
+inline KLatexArg opt(KLatexNodePtr node)
 {
-    return makeText(text);
+    return arg(std::move(node), true);
 }
 
-template <class... Nodes> KLatexNodeList L(Nodes&&... nodes)
+template <class... Args> KLatexArgs args(Args&&... arguments)
 {
-    KLatexNodeList list;
-    (list.push_back(std::forward<Nodes>(nodes)), ...);
-    return list;
+    KLatexArgs result;
+    (result.push_back(std::forward<Args>(arguments)), ...);
+    return result;
 }
 
-template <class... Nodes> KLatexNodePtr G(Nodes&&... nodes)
+template <class... Cells> KLatexNodePtr row(Cells&&... cells)
 {
-    return makeGroup(L(std::forward<Nodes>(nodes)...));
+    return makeRow(list(std::forward<Cells>(cells)...));
 }
 
-// A mandatory ({..}) and an optional ([..]) argument.
-inline KLatexArg A(KLatexNodePtr node)
+inline KLatexNodePtr env(const char* name, KLatexNodeList body, KLatexArgs arguments = {})
 {
-    return KLatexArg{false, std::move(node)};
-}
-inline KLatexArg O(KLatexNodePtr node)
-{
-    return KLatexArg{true, std::move(node)};
-}
-
-template <class... Args> KLatexArgs Args_(Args&&... args)
-{
-    KLatexArgs list;
-    (list.push_back(std::forward<Args>(args)), ...);
-    return list;
-}
-
-template <class... Args> KLatexNodePtr C(const char* name, Args&&... args)
-{
-    return makeCommand(QString::fromUtf8(name), Args_(std::forward<Args>(args)...));
-}
-
-template <class... Cells> KLatexNodePtr Row(Cells&&... cells)
-{
-    return makeRow(L(std::forward<Cells>(cells)...));
-}
-
-inline KLatexNodePtr Env(const char* name, KLatexNodeList body, KLatexArgs args = {})
-{
-    return makeEnvironment(QString::fromUtf8(name), std::move(args), std::move(body));
-}
-
-inline KLatexNodePtr Sup(KLatexNodePtr base, KLatexNodePtr sup)
-{
-    return makeScript(std::move(base), std::move(sup), nullptr);
-}
-
-// ---- conversion ----------------------------------------------------------------
-
-inline QString toXml(const KOmmlNodeList& nodes)
-{
-    QString xml;
-    for (const auto& node : nodes)
-        if (node)
-            xml += ommlNodeToXml(*node);
-    return xml;
+    return makeEnvironment(QString::fromUtf8(name), std::move(arguments), std::move(body));
 }
 
 // Converts a tree (wrapped into a root group unless it is one) and writes the
@@ -100,11 +58,11 @@ inline QString convertTree(KLatexNodePtr node)
     KLatexAst2Omml converter;
     converter.prepare(false);
     if (!latexAs<KLatexGroup>(node.get()))
-        node = G(std::move(node));
-    return toXml(converter.convert(*node));
+        node = group(std::move(node));
+    return xmlOf(converter.convert(*node));
 }
 
-// ---- expected OMML text ----------------------------------------------------------
+// ---- runs and control properties ---------------------------------------------------
 
 // How a run or a control-properties element looks. `math` says whether the math
 // run properties are written (always for runs, only for styled structures).
@@ -157,89 +115,69 @@ inline QString mathPr(const Look& look)
 {
     if (!look.math)
         return {};
-    QString xml = "<m:rPr><m:scr m:val=\"" + look.scr + "\"/>";
-    if (!look.sty.isEmpty())
-        xml += "<m:sty m:val=\"" + look.sty + "\"/>";
-    return xml + "</m:rPr>";
+    const QString style = look.sty.isEmpty() ? QString() : val("m:sty", look.sty);
+    return wrap("m:rPr", val("m:scr", look.scr) + style);
 }
 
 inline QString wordPr(const Look& look)
 {
-    QString xml = QStringLiteral(
-        "<w:rPr><w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
+    QString extra;
     if (look.italic)
-        xml += QStringLiteral("<w:i/>");
+        extra += QStringLiteral("<w:i/>");
     if (look.bold)
-        xml += QStringLiteral("<w:b/>");
+        extra += QStringLiteral("<w:b/>");
     if (!look.colour.isEmpty())
-        xml += "<w:color w:val=\"" + look.colour + "\"/>";
-    return xml + "</w:rPr>";
+        extra += "<w:color w:val=\"" + look.colour + "\"/>";
+    return wrap("w:rPr", kFonts + extra);
 }
 
-inline QString run(const QString& text, const Look& look = Look())
+inline QString run(const QString& content, const Look& look = Look())
 {
-    return "<m:r>" + mathPr(look) + wordPr(look) + "<m:t>" + text + "</m:t></m:r>";
+    return "<m:r>" + mathPr(look) + wordPr(look) + "<m:t>" + content + "</m:t></m:r>";
 }
 
 inline QString ctrl(const Look& look = plainControl())
 {
-    return "<m:ctrlPr>" + mathPr(look) + wordPr(look) + "</m:ctrlPr>";
+    return wrap("m:ctrlPr", mathPr(look) + wordPr(look));
 }
 
-inline QString val(const QString& name, const QString& value)
-{
-    return "<m:" + name + " m:val=\"" + value + "\"/>";
-}
-
-inline QString arg(const QString& name, const QString& content)
-{
-    return content.isEmpty() ? "<m:" + name + "/>" : "<m:" + name + ">" + content + "</m:" + name + ">";
-}
-
-inline QString delim(const QString& beg, const QString& end, const QString& e,
-                     const QString& ctrlXml = ctrl())
-{
-    return "<m:d><m:dPr>" + ctrlXml + val("begChr", beg) + val("endChr", end) + "</m:dPr>" + arg("e", e) +
-           "</m:d>";
-}
+// ---- elements ----------------------------------------------------------------------
 
 // A matrix with the columns given by their justifications; every column counts 1
 // and the column gaps are 0.
 inline QString matrix(const QStringList& columns, const std::vector<QStringList>& rows,
-                      const QString& ctrlXml = ctrl())
+                      const QString& ctrlXml = kCtrl)
 {
-    QString xml = QStringLiteral("<m:m><m:mPr>");
-    if (!columns.isEmpty()) {
-        xml += QStringLiteral("<m:mcs>");
-        for (const QString& jc : columns)
-            xml += "<m:mc><m:mcPr>" + val("count", "1") + val("mcJc", jc) + "</m:mcPr></m:mc>";
-        xml += QStringLiteral("</m:mcs>");
+    QString columnsXml;
+    for (const QString& jc : columns)
+        columnsXml += wrap("m:mc", wrap("m:mcPr", val("m:count", "1") + val("m:mcJc", jc)));
+    const QString mcs = columns.isEmpty() ? QString() : wrap("m:mcs", columnsXml);
+    QString xml =
+        wrap("m:mPr", mcs + val("m:cGp", "0") + val("m:cGpRule", "0") + val("m:plcHide", "off") + ctrlXml);
+    for (const QStringList& cells : rows) {
+        QString cellsXml;
+        for (const QString& cell : cells)
+            cellsXml += wrap("m:e", cell);
+        xml += wrap("m:mr", cellsXml);
     }
-    xml += val("cGp", "0") + val("cGpRule", "0") + val("plcHide", "off") + ctrlXml + "</m:mPr>";
-    for (const QStringList& row : rows) {
-        QString cells;
-        for (const QString& cell : row)
-            cells += arg("e", cell);
-        xml += arg("mr", cells);
-    }
-    return xml + "</m:m>";
+    return wrap("m:m", xml);
 }
 
-inline QString eqArr(const QStringList& rows, const QString& ctrlXml = ctrl())
+inline QString eqArr(const QStringList& rows, const QString& ctrlXml = kCtrl)
 {
-    QString xml = "<m:eqArr><m:eqArrPr>" + ctrlXml + "</m:eqArrPr>";
-    for (const QString& row : rows)
-        xml += arg("e", row);
-    return xml + "</m:eqArr>";
+    QString xml = wrap("m:eqArrPr", ctrlXml);
+    for (const QString& line : rows)
+        xml += wrap("m:e", line);
+    return wrap("m:eqArr", xml);
 }
 
 // flags: the names of the switches that are on, in writing order.
-inline QString borderBox(const QStringList& flags, const QString& e, const QString& ctrlXml = ctrl())
+inline QString borderBox(const QStringList& flags, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    QString xml = "<m:borderBox><m:borderBoxPr>" + ctrlXml;
+    QString flagsXml;
     for (const QString& flag : flags)
-        xml += val(flag, "1");
-    return xml + "</m:borderBoxPr>" + arg("e", e) + "</m:borderBox>";
+        flagsXml += val("m:" + flag, "1");
+    return wrap("m:borderBox", wrap("m:borderBoxPr", ctrlXml + flagsXml) + wrap("m:e", e));
 }
 
 inline QStringList hiddenSides(std::initializer_list<const char*> strokes)
@@ -250,64 +188,32 @@ inline QStringList hiddenSides(std::initializer_list<const char*> strokes)
     return flags;
 }
 
-inline QString boxEl(const QString& e, const QString& ctrlXml = ctrl())
+inline QString boxEl(const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return "<m:box><m:boxPr>" + ctrlXml + val("noBreak", "on") + "</m:boxPr>" + arg("e", e) + "</m:box>";
+    return wrap("m:box", wrap("m:boxPr", ctrlXml + val("m:noBreak", "on")) + wrap("m:e", e));
 }
 
-inline QString accentEl(const QString& chr, const QString& e, const QString& ctrlXml = ctrl())
+inline QString accentEl(const QString& chr, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return "<m:acc><m:accPr>" + val("chr", chr) + ctrlXml + "</m:accPr>" + arg("e", e) + "</m:acc>";
-}
-
-inline QString barEl(const QString& pos, const QString& e)
-{
-    return "<m:bar><m:barPr>" + val("pos", pos) + "</m:barPr>" + arg("e", e) + "</m:bar>";
+    return wrap("m:acc", wrap("m:accPr", val("m:chr", chr) + ctrlXml) + wrap("m:e", e));
 }
 
 inline QString groupChr(const QString& chr, const QString& pos, const QString& vertJc, const QString& e,
-                        const QString& ctrlXml = ctrl())
+                        const QString& ctrlXml = kCtrl)
 {
-    return "<m:groupChr><m:groupChrPr>" + ctrlXml + val("chr", chr) + val("pos", pos) +
-           val("vertJc", vertJc) + "</m:groupChrPr>" + arg("e", e) + "</m:groupChr>";
-}
-
-inline QString withCtrl(const QString& name, const QString& ctrlXml, const QString& parts)
-{
-    return "<m:" + name + "><m:" + name + "Pr>" + ctrlXml + "</m:" + name + "Pr>" + parts + "</m:" + name +
-           ">";
-}
-
-inline QString limUpp(const QString& e, const QString& lim, const QString& ctrlXml = ctrl())
-{
-    return withCtrl("limUpp", ctrlXml, arg("e", e) + arg("lim", lim));
-}
-
-inline QString limLow(const QString& e, const QString& lim, const QString& ctrlXml = ctrl())
-{
-    return withCtrl("limLow", ctrlXml, arg("e", e) + arg("lim", lim));
-}
-
-inline QString sSup(const QString& e, const QString& sup, const QString& ctrlXml = ctrl())
-{
-    return withCtrl("sSup", ctrlXml, arg("e", e) + arg("sup", sup));
-}
-
-inline QString func(const QString& fName, const QString& e, const QString& ctrlXml = ctrl())
-{
-    return withCtrl("func", ctrlXml, arg("fName", fName) + arg("e", e));
+    return wrap("m:groupChr", wrap("m:groupChrPr", ctrlXml + val("m:chr", chr) + val("m:pos", pos) +
+                                                       val("m:vertJc", vertJc)) +
+                                  wrap("m:e", e));
 }
 
 inline QString phant(const QString& e)
 {
-    return withCtrl("phant", ctrl(), arg("e", e));
+    return wrap("m:phant", wrap("m:phantPr", kCtrl) + wrap("m:e", e));
 }
 
-inline QString frac(const QString& type, const QString& num, const QString& den,
-                    const QString& ctrlXml = ctrl())
+inline QString sPre(const QString& e, const QString& sub, const QString& sup)
 {
-    const QString typeXml = type.isEmpty() ? QString() : val("type", type);
-    return "<m:f><m:fPr>" + typeXml + ctrlXml + "</m:fPr>" + arg("num", num) + arg("den", den) + "</m:f>";
+    return wrap("m:sPre", wrap("m:sPrePr", kCtrl) + wrap("m:sub", sub) + wrap("m:sup", sup) + wrap("m:e", e));
 }
 
 } // namespace l2o_test

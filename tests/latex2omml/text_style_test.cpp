@@ -69,8 +69,9 @@ std::vector<TreeCase> alphabetCases()
     };
     std::vector<TreeCase> cases;
     for (const auto& [name, expectedLook] : alphabets) {
-        const char* command = name;
-        cases.push_back({name, [command] { return C(command, A(G(T("x")))); }, run("x", expectedLook)});
+        const char* alphabet = name;
+        cases.push_back(
+            {name, [alphabet] { return command(alphabet, arg(group(text("x")))); }, run("x", expectedLook)});
     }
     return cases;
 }
@@ -80,53 +81,68 @@ INSTANTIATE_TEST_SUITE_P(MathAlphabets, TextStyleTrees, ::testing::ValuesIn(alph
 std::vector<TreeCase> fontCases()
 {
     return {
-        {"InnerAlphabetResetsTheOuter", [] { return C("mathbf", A(G(C("mathit", A(G(T("x"))))))); },
+        {"InnerAlphabetResetsTheOuter",
+         [] { return command("mathbf", arg(group(command("mathit", arg(group(text("x"))))))); },
          run("x", styled("i"))},
-        {"ScriptResetByStyle", [] { return C("mathbb", A(G(C("mathbf", A(G(T("R"))))))); },
+        {"ScriptResetByStyle",
+         [] { return command("mathbb", arg(group(command("mathbf", arg(group(text("R"))))))); },
          run("R", styled("b"))},
-        {"UprightDKeptApartFromX", [] { return G(C("mathrm", A(G(T("d")))), T("x")); },
+        {"UprightDKeptApartFromX", [] { return group(command("mathrm", arg(group(text("d")))), text("x")); },
          run("d", styled("p")) + run("x")},
-        {"StyleEndsWithTheArgument", [] { return G(C("mathbf", A(G(T("a")))), T("b")); },
+        {"StyleEndsWithTheArgument",
+         [] { return group(command("mathbf", arg(group(text("a")))), text("b")); },
          run("a", styled("b")) + run("b")},
-        {"AlphabetWithoutArgument", [] { return C("mathbf"); }, ""},
-        {"OperatorNameTakesTheFollowingNode", [] { return G(C("mathop", A(G(T("lim")))), T("x"), T("y")); },
+        {"AlphabetWithoutArgument", [] { return command("mathbf"); }, ""},
+        {"OperatorNameTakesTheFollowingNode",
+         [] { return group(command("mathop", arg(group(text("lim")))), text("x"), text("y")); },
          func(run("lim", styled("p")), run("x")) + run("y")},
-        {"OperatorNameAtTheEnd", [] { return C("mathop", A(G(T("lim")))); },
+        {"OperatorNameAtTheEnd", [] { return command("mathop", arg(group(text("lim")))); },
          func(run("lim", styled("p")), "")},
         {"OperatorNameTakesTheOuterStyle",
-         [] { return C("mathbf", A(G(C("mathop", A(G(T("f")))), T("x")))); },
+         [] { return command("mathbf", arg(group(command("mathop", arg(group(text("f")))), text("x")))); },
          func(run("f", styled("p")), run("x", styled("b")), ctrl(styled("b")))},
-        {"OperatorNameWithoutArgument", [] { return C("mathop"); }, ""},
-        {"TextMergesWithMath", [] { return G(C("text", A(G(T("if")))), T("x")); }, run("ifx")},
-        {"TextBold", [] { return C("textbf", A(G(T("a")))); },
+        {"OperatorNameWithoutArgument", [] { return command("mathop"); }, ""},
+        {"TextMergesWithMath", [] { return group(command("text", arg(group(text("if")))), text("x")); },
+         run("ifx")},
+        {"TextBold", [] { return command("textbf", arg(group(text("a")))); },
          [] {
              Look l = styled("b");
              l.bold = true;
              return run("a", l);
          }()},
-        {"TextItalicAndEmphasis", [] { return G(C("textit", A(G(T("a")))), C("emph", A(G(T("b"))))); },
+        {"TextItalicAndEmphasis",
+         [] {
+             return group(command("textit", arg(group(text("a")))), command("emph", arg(group(text("b")))));
+         },
          [] {
              Look l = styled("i");
              l.italic = true;
              return run("ab", l);
          }()},
-        {"TextSansAndTypewriter", [] { return G(C("textsf", A(G(T("a")))), C("texttt", A(G(T("b"))))); },
+        {"TextSansAndTypewriter",
+         [] {
+             return group(command("textsf", arg(group(text("a")))), command("texttt", arg(group(text("b")))));
+         },
          run("a", script("sans-serif")) + run("b", script("monospace"))},
         {"PlainTextForms",
          [] {
-             return G(C("textrm", A(G(T("a")))), C("textnormal", A(G(T("b")))), C("textup", A(G(T("c")))),
-                      C("textmd", A(G(T("d")))), C("textsl", A(G(T("e")))), C("textsc", A(G(T("f")))));
+             return group(command("textrm", arg(group(text("a")))),
+                          command("textnormal", arg(group(text("b")))),
+                          command("textup", arg(group(text("c")))), command("textmd", arg(group(text("d")))),
+                          command("textsl", arg(group(text("e")))), command("textsc", arg(group(text("f")))));
          },
          run("abcdef")},
-        {"TextKeepsAnAlphabet", [] { return C("mathbf", A(G(C("text", A(G(T("a"))))))); },
+        {"TextKeepsAnAlphabet",
+         [] { return command("mathbf", arg(group(command("text", arg(group(text("a"))))))); },
          run("a", styled("b"))},
-        {"TextBoldInsideDoubleStruck", [] { return C("mathbb", A(G(C("textbf", A(G(T("a"))))))); },
+        {"TextBoldInsideDoubleStruck",
+         [] { return command("mathbb", arg(group(command("textbf", arg(group(text("a"))))))); },
          [] {
              Look l = look("double-struck", "b");
              l.bold = true;
              return run("a", l);
          }()},
-        {"TextWithoutArgument", [] { return C("textbf"); }, ""},
+        {"TextWithoutArgument", [] { return command("textbf"); }, ""},
     };
 }
 
@@ -136,62 +152,88 @@ std::vector<TreeCase> colourCases()
 {
     const QString red = QStringLiteral("ff0000");
     return {
-        {"NamedColour", [] { return C("color", A(G(T("red"))), A(G(T("x")))); },
+        {"NamedColour", [] { return command("color", arg(group(text("red"))), arg(group(text("x")))); },
          run("x", coloured("ff0000"))},
-        {"TextColour", [] { return C("textcolor", A(G(T("blue"))), A(G(T("x")))); },
+        {"TextColour", [] { return command("textcolor", arg(group(text("blue"))), arg(group(text("x")))); },
          run("x", coloured("0000ff"))},
-        {"HashTextUsedUnchanged", [] { return C("color", A(G(T("#00ff80"))), A(G(T("x")))); },
+        {"HashTextUsedUnchanged",
+         [] { return command("color", arg(group(text("#00ff80"))), arg(group(text("x")))); },
          run("x", coloured("00ff80"))},
-        {"BareTextArgument", [] { return C("color", A(T("green")), A(G(T("x")))); },
+        {"BareTextArgument", [] { return command("color", arg(text("green")), arg(group(text("x")))); },
          run("x", coloured("008000"))},
-        {"EmptyColourIsBlack", [] { return C("color", A(G()), A(G(T("x")))); }, run("x", coloured("000000"))},
-        {"EscapedHashMarksHex", [] { return C("color", A(G(C("#"), T("FF8000"))), A(G(T("x")))); },
+        {"EmptyColourIsBlack", [] { return command("color", arg(group()), arg(group(text("x")))); },
+         run("x", coloured("000000"))},
+        {"EscapedHashMarksHex",
+         [] { return command("color", arg(group(command("#"), text("FF8000"))), arg(group(text("x")))); },
          run("x", coloured("ff8000"))},
         {"HashMarkSurvivesLaterCommands",
-         [] { return C("color", A(G(C("#"), C("alpha"), T("FF8000"))), A(G(T("x")))); },
+         [] {
+             return command("color", arg(group(command("#"), command("alpha"), text("FF8000"))),
+                            arg(group(text("x"))));
+         },
          run("x", coloured("ff8000"))},
-        {"MarkedHexOfWrongLengthIsBlack", [] { return C("color", A(G(C("#"), T("FF800"))), A(G(T("x")))); },
+        {"MarkedHexOfWrongLengthIsBlack",
+         [] { return command("color", arg(group(command("#"), text("FF800"))), arg(group(text("x")))); },
          run("x", coloured("000000"))},
-        {"MarkedNonHexIsBlack", [] { return C("color", A(G(C("#"), T("GG0000"))), A(G(T("x")))); },
+        {"MarkedNonHexIsBlack",
+         [] { return command("color", arg(group(command("#"), text("GG0000"))), arg(group(text("x")))); },
          run("x", coloured("000000"))},
-        {"MarkWithoutTextIsBlack", [] { return C("color", A(G(C("#"))), A(G(T("x")))); },
+        {"MarkWithoutTextIsBlack",
+         [] { return command("color", arg(group(command("#"))), arg(group(text("x")))); },
          run("x", coloured("000000"))},
-        {"LastTextWins", [] { return C("color", A(G(T("red"), C("alpha"), T("blue"))), A(G(T("x")))); },
+        {"LastTextWins",
+         [] {
+             return command("color", arg(group(text("red"), command("alpha"), text("blue"))),
+                            arg(group(text("x"))));
+         },
          run("x", coloured("0000ff"))},
-        {"OtherNodeIsBlack", [] { return C("color", A(C("alpha")), A(G(T("x")))); },
+        {"OtherNodeIsBlack", [] { return command("color", arg(command("alpha")), arg(group(text("x")))); },
          run("x", coloured("000000"))},
-        {"UnreadableNameGivesAnInvalidColour", [] { return C("color", A(G(T("rgb(1,0,0)"))), A(G(T("x")))); },
+        {"UnreadableNameGivesAnInvalidColour",
+         [] { return command("color", arg(group(text("rgb(1,0,0)"))), arg(group(text("x")))); },
          run("x", coloured("000000"))},
         {"ColourReachesRunsInStructures",
          [] {
-             return C("color", A(G(T("red"))), A(G(C("frac", A(G(T("a"))), A(G(C("sqrt", A(G(T("b"))))))))));
+             return command("color", arg(group(text("red"))),
+                            arg(group(command("frac", arg(group(text("a"))),
+                                              arg(group(command("sqrt", arg(group(text("b"))))))))));
          },
-         frac("", run("a", coloured("ff0000")),
-              withCtrl("rad", ctrl(colouredControl("ff0000")) + val("degHide", "on"),
-                       "<m:deg/>" + arg("e", run("b", coloured("ff0000")))),
+         frac(run("a", coloured("ff0000")),
+              rad(run("b", coloured("ff0000")), QString(), true, ctrl(colouredControl("ff0000"))), QString(),
               ctrl(colouredControl("ff0000")))},
         {"OuterColourRepaintsInner",
          [] {
-             return C("textcolor", A(G(T("red"))),
-                      A(G(T("a"), C("textcolor", A(G(T("blue"))), A(G(T("b")))))));
+             return command("textcolor", arg(group(text("red"))),
+                            arg(group(text("a"), command("textcolor", arg(group(text("blue"))),
+                                                         arg(group(text("b")))))));
          },
          run("ab", coloured("ff0000"))},
-        {"ColourChangeSplitsRuns", [] { return G(T("a"), C("color", A(G(T("red"))), A(G(T("b"))))); },
+        {"ColourChangeSplitsRuns",
+         [] { return group(text("a"), command("color", arg(group(text("red"))), arg(group(text("b"))))); },
          run("a") + run("b", coloured("ff0000"))},
-        {"ColourKeepsTheAlphabet", [] { return C("color", A(G(T("red"))), A(G(C("mathbf", A(G(T("x"))))))); },
+        {"ColourKeepsTheAlphabet",
+         [] {
+             return command("color", arg(group(text("red"))),
+                            arg(group(command("mathbf", arg(group(text("x")))))));
+         },
          [] {
              Look l = styled("b");
              l.colour = "ff0000";
              return run("x", l);
          }()},
-        {"MissingContent", [] { return C("color", A(G(T("red")))); }, ""},
-        {"ContentWithoutNode", [] { return C("color", A(G(T("red"))), A(nullptr)); }, ""},
-        {"ThreeArguments", [] { return C("color", A(G(T("red"))), A(G(T("x"))), A(G(T("y")))); }, ""},
-        {"ColourBoxKeepsContentOnly", [] { return C("colorbox", A(G(T("yellow"))), A(G(T("x")))); },
-         run("x")},
-        {"ColourBoxWithoutSpec", [] { return C("colorbox", A(nullptr), A(G(T("x")))); }, ""},
-        {"ColourBoxWithoutContentNode", [] { return C("colorbox", A(G(T("yellow"))), A(nullptr)); }, ""},
-        {"ColourBoxWithOneArgument", [] { return C("colorbox", A(G(T("yellow")))); }, ""},
+        {"MissingContent", [] { return command("color", arg(group(text("red")))); }, ""},
+        {"ContentWithoutNode", [] { return command("color", arg(group(text("red"))), arg(nullptr)); }, ""},
+        {"ThreeArguments",
+         [] {
+             return command("color", arg(group(text("red"))), arg(group(text("x"))), arg(group(text("y"))));
+         },
+         ""},
+        {"ColourBoxKeepsContentOnly",
+         [] { return command("colorbox", arg(group(text("yellow"))), arg(group(text("x")))); }, run("x")},
+        {"ColourBoxWithoutSpec", [] { return command("colorbox", arg(nullptr), arg(group(text("x")))); }, ""},
+        {"ColourBoxWithoutContentNode",
+         [] { return command("colorbox", arg(group(text("yellow"))), arg(nullptr)); }, ""},
+        {"ColourBoxWithOneArgument", [] { return command("colorbox", arg(group(text("yellow")))); }, ""},
     };
 }
 
@@ -200,15 +242,19 @@ INSTANTIATE_TEST_SUITE_P(Colours, TextStyleTrees, ::testing::ValuesIn(colourCase
 std::vector<TreeCase> boxCases()
 {
     return {
-        {"FrameBox", [] { return C("fbox", A(G(T("x")))); }, borderBox({}, run("x"))},
-        {"Boxed", [] { return C("boxed", A(G(T("x")))); }, borderBox({}, run("x"))},
+        {"FrameBox", [] { return command("fbox", arg(group(text("x")))); }, borderBox({}, run("x"))},
+        {"Boxed", [] { return command("boxed", arg(group(text("x")))); }, borderBox({}, run("x"))},
         {"TextBoxes",
-         [] { return G(C("mbox", A(G(T("a")))), C("hbox", A(G(T("b")))), C("vbox", A(G(T("c"))))); },
+         [] {
+             return group(command("mbox", arg(group(text("a")))), command("hbox", arg(group(text("b")))),
+                          command("vbox", arg(group(text("c")))));
+         },
          boxEl(run("a")) + boxEl(run("b")) + boxEl(run("c"))},
-        {"BoxTakesTheCurrentStyle", [] { return C("mathsf", A(G(C("fbox", A(G(T("x"))))))); },
+        {"BoxTakesTheCurrentStyle",
+         [] { return command("mathsf", arg(group(command("fbox", arg(group(text("x"))))))); },
          borderBox({}, run("x", script("sans-serif")), ctrl(script("sans-serif")))},
-        {"BoxWithoutArgument", [] { return C("mbox"); }, ""},
-        {"EmptyBox", [] { return C("mbox", A(G())); }, boxEl("")},
+        {"BoxWithoutArgument", [] { return command("mbox"); }, ""},
+        {"EmptyBox", [] { return command("mbox", arg(group())); }, boxEl("")},
     };
 }
 
@@ -227,7 +273,8 @@ TEST_P(Spaces, PickTheWidthCharacter)
 {
     const SpaceCase& c = GetParam();
     const QString expected = *c.expected ? run(QString::fromUtf8(c.expected)) : QString();
-    EXPECT_EQ(convertTree(C(c.command, A(G(T(c.dimension))))), expected) << c.command << " " << c.dimension;
+    EXPECT_EQ(convertTree(command(c.command, arg(group(text(c.dimension))))), expected)
+        << c.command << " " << c.dimension;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -246,36 +293,45 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Spaces, WithoutArgumentIsThin)
 {
-    EXPECT_EQ(convertTree(C("kern")), run(u8"\u2009"));
+    EXPECT_EQ(convertTree(command("kern")), run(u8"\u2009"));
 }
 
 TEST(Spaces, DimensionTextIsGatheredFromTheGroup)
 {
     // "1", "e" and "m" as separate texts; the command between them is skipped.
-    EXPECT_EQ(convertTree(C("hspace", A(G(T("1"), C("alpha"), T("e"), T("m"))))), run(u8"\u2003"));
-    EXPECT_EQ(convertTree(C("hspace", A(T("0.5")))), run(u8"\u2002"));
-    EXPECT_EQ(convertTree(C("hspace", A(C("alpha")))), "");
+    EXPECT_EQ(convertTree(command("hspace", arg(group(text("1"), command("alpha"), text("e"), text("m"))))),
+              run(u8"\u2003"));
+    EXPECT_EQ(convertTree(command("hspace", arg(text("0.5")))), run(u8"\u2002"));
+    EXPECT_EQ(convertTree(command("hspace", arg(command("alpha")))), "");
 }
 
 TEST(Spaces, TakeTheCurrentStyle)
 {
-    EXPECT_EQ(convertTree(C("mathbf", A(G(C("hspace", A(G(T("1em")))))))), run(u8"\u2003", styled("b")));
+    EXPECT_EQ(convertTree(command("mathbf", arg(group(command("hspace", arg(group(text("1em")))))))),
+              run(u8"\u2003", styled("b")));
 }
 
 std::vector<TreeCase> moduloCases()
 {
     return {
-        {"ParenthesisedModMergesWithNeighbours", [] { return G(T("a"), C("pmod", A(G(T("n"))))); },
+        {"ParenthesisedModMergesWithNeighbours",
+         [] { return group(text("a"), command("pmod", arg(group(text("n"))))); },
          run(u8"a\u2005(mod\u2009n)\u2009")},
-        {"BinaryMod", [] { return G(T("a"), C("bmod"), T("b")); }, run(u8"a\u2005mod\u2005b")},
-        {"BinaryModIgnoresAnArgument", [] { return C("bmod", A(G(T("n")))); }, run(u8"\u2005mod\u2005")},
-        {"ParenthesesOnly", [] { return C("pod", A(G(T("n")))); }, run(u8"\u2005(n)\u2009")},
-        {"Mod", [] { return C("mod", A(G(T("n")))); }, run(u8"\u2005mod\u2009n\u2009")},
-        {"StructureInsideMod", [] { return C("mod", A(G(C("frac", A(G(T("a"))), A(G(T("b"))))))); },
-         run(u8"\u2005mod\u2009") + frac("", run("a"), run("b")) + run(u8"\u2009")},
-        {"ModTakesTheCurrentStyle", [] { return C("mathrm", A(G(C("pmod", A(G(T("n"))))))); },
+        {"BinaryMod", [] { return group(text("a"), command("bmod"), text("b")); },
+         run(u8"a\u2005mod\u2005b")},
+        {"BinaryModIgnoresAnArgument", [] { return command("bmod", arg(group(text("n")))); },
+         run(u8"\u2005mod\u2005")},
+        {"ParenthesesOnly", [] { return command("pod", arg(group(text("n")))); }, run(u8"\u2005(n)\u2009")},
+        {"Mod", [] { return command("mod", arg(group(text("n")))); }, run(u8"\u2005mod\u2009n\u2009")},
+        {"StructureInsideMod",
+         [] {
+             return command("mod", arg(group(command("frac", arg(group(text("a"))), arg(group(text("b")))))));
+         },
+         run(u8"\u2005mod\u2009") + frac(run("a"), run("b")) + run(u8"\u2009")},
+        {"ModTakesTheCurrentStyle",
+         [] { return command("mathrm", arg(group(command("pmod", arg(group(text("n"))))))); },
          run(u8"\u2005(mod\u2009n)\u2009", styled("p"))},
-        {"ModWithoutArgument", [] { return G(C("pmod"), C("pod"), C("mod")); }, ""},
+        {"ModWithoutArgument", [] { return group(command("pmod"), command("pod"), command("mod")); }, ""},
     };
 }
 
@@ -286,8 +342,9 @@ TEST(TextStyle, StyleStackIsBalancedAfterEveryHandler)
     // A style left on the stack would leak into the trailing run.
     KLatexAst2Omml converter;
     converter.prepare(false);
-    const auto root = G(C("mathbf", A(G(T("a")))), C("textit", A(G(T("b")))), C("mathop", A(G(T("c")))),
-                        C("mathbf"), T("z"));
+    const auto root =
+        group(command("mathbf", arg(group(text("a")))), command("textit", arg(group(text("b")))),
+              command("mathop", arg(group(text("c")))), command("mathbf"), text("z"));
     converter.convert(*root);
     const OControlProperties& style = converter.currentStyle();
     EXPECT_FALSE(style.mathProps.has_value());
@@ -298,7 +355,7 @@ TEST(TextStyle, StyleStackIsBalancedAfterEveryHandler)
 TEST(TextStyle, NonBmpTextKeepsItsAlphabet)
 {
     const QString clef = QString::fromUtf8(u8"\U0001D11E");
-    EXPECT_EQ(convertTree(C("mathcal", A(G(T(clef))))), run(clef, script("script")));
+    EXPECT_EQ(convertTree(command("mathcal", arg(group(text(clef))))), run(clef, script("script")));
 }
 
 } // namespace
