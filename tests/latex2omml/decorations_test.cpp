@@ -4,33 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace l2o_test;
 
 namespace {
 
-struct TreeCase {
-    const char* name;
-    std::function<KLatexNodePtr()> tree;
-    QString expected;
-};
-
-void PrintTo(const TreeCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
-
-class DecorationTrees : public ::testing::TestWithParam<TreeCase> {};
+class DecorationTrees : public HandlerTrees {};
 
 TEST_P(DecorationTrees, ConvertToExactOmml)
 {
-    EXPECT_EQ(convertTree(GetParam().tree()), GetParam().expected);
-}
-
-std::string caseName(const ::testing::TestParamInfo<TreeCase>& info)
-{
-    return info.param.name;
+    check();
 }
 
 const QString x = run("x");

@@ -2,28 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace l2o_test;
 
 namespace {
 
-struct TreeCase {
-    const char* name;
-    std::function<KLatexNodePtr()> tree;
-    QString expected;
-};
-
-void PrintTo(const TreeCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
-
-class DelimiterTrees : public ::testing::TestWithParam<TreeCase> {};
+class DelimiterTrees : public HandlerTrees {};
 
 TEST_P(DelimiterTrees, ConvertToExactOmml)
 {
-    EXPECT_EQ(convertTree(GetParam().tree()), GetParam().expected);
+    check();
 }
 
 const QString ra = run("a"), rb = run("b"), rc = run("c"), rd = run("d");
@@ -106,8 +93,7 @@ std::vector<TreeCase> environmentCases()
     };
 }
 
-INSTANTIATE_TEST_SUITE_P(Environments, DelimiterTrees, ::testing::ValuesIn(environmentCases()),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Environments, DelimiterTrees, ::testing::ValuesIn(environmentCases()), caseName);
 
 std::vector<TreeCase> matrixCommandCases()
 {
@@ -132,8 +118,7 @@ std::vector<TreeCase> matrixCommandCases()
     };
 }
 
-INSTANTIATE_TEST_SUITE_P(MatrixCommands, DelimiterTrees, ::testing::ValuesIn(matrixCommandCases()),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(MatrixCommands, DelimiterTrees, ::testing::ValuesIn(matrixCommandCases()), caseName);
 
 std::vector<TreeCase> bigDelimiterCases()
 {
@@ -162,8 +147,7 @@ std::vector<TreeCase> bigDelimiterCases()
     };
 }
 
-INSTANTIATE_TEST_SUITE_P(BigDelimiters, DelimiterTrees, ::testing::ValuesIn(bigDelimiterCases()),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(BigDelimiters, DelimiterTrees, ::testing::ValuesIn(bigDelimiterCases()), caseName);
 
 TEST(DelimiterTables, ManyRowsAreKeptInOrder)
 {

@@ -8,7 +8,11 @@
 
 #include <QStringList>
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <initializer_list>
+#include <string>
 #include <utility>
 
 namespace l2o_test {
@@ -61,6 +65,29 @@ inline QString convertTree(KLatexNodePtr node)
         node = group(std::move(node));
     return xmlOf(converter.convert(*node));
 }
+
+// One table row of a tree test: the tree to convert and the whole OMML text expected.
+struct TreeCase {
+    const char* name;
+    std::function<KLatexNodePtr()> tree;
+    QString expected;
+};
+
+inline void PrintTo(const TreeCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
+
+inline std::string caseName(const ::testing::TestParamInfo<TreeCase>& info)
+{
+    return info.param.name;
+}
+
+// Each test file derives its own fixture and writes one TEST_P that calls check().
+class HandlerTrees : public ::testing::TestWithParam<TreeCase> {
+protected:
+    void check() const { EXPECT_EQ(convertTree(GetParam().tree()), GetParam().expected); }
+};
 
 // ---- runs and control properties ---------------------------------------------------
 

@@ -2,33 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace l2o_test;
 
 namespace {
 
-struct TreeCase {
-    const char* name;
-    std::function<KLatexNodePtr()> tree;
-    QString expected;
-};
-
-void PrintTo(const TreeCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
-
-class TextStyleTrees : public ::testing::TestWithParam<TreeCase> {};
+class TextStyleTrees : public HandlerTrees {};
 
 TEST_P(TextStyleTrees, ConvertToExactOmml)
 {
-    EXPECT_EQ(convertTree(GetParam().tree()), GetParam().expected);
-}
-
-std::string caseName(const ::testing::TestParamInfo<TreeCase>& info)
-{
-    return info.param.name;
+    check();
 }
 
 Look look(const char* scr, const char* sty)
