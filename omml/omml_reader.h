@@ -15,7 +15,9 @@ class QDomElement;
 // element being level 1) that the reader accepts. The DOM parser, the DOM tree's
 // destruction and every consumer of the model recurse once per level, so a
 // deeper document is treated as unreadable rather than risking the stack.
-// Formulas typed by people stay far below this.
+// Formulas typed by people stay far below this. The nesting is measured on the
+// raw text before the DOM parser runs; markup expanded from internal entities
+// adds at most what the DOM parser's entity expansion limit lets through.
 constexpr int kMaxOmmlReadDepth = 1000;
 
 // Parses the text and reads its document element. Returns null when the text is

@@ -663,7 +663,6 @@ TEST(OmmlReaderFailures, UnreadableInputGivesNull)
         "<m:oMath>",
         "<m:oMath></m:r>",
         "<m:oMath/><m:oMath/>",
-        "<m:r><m:t>&undefined;</m:t></m:r>",
         "<w:document><w:body><m:oMathPara/></w:body></w:document>",
         "<mml:f/>",
         "<f/>",
@@ -722,6 +721,40 @@ TEST(OmmlReaderLimits, HostileNestingIsUnreadable)
     EXPECT_FALSE(readOmmlDocument("<m:oMath>" + unknown + "</m:oMath>"));
     // Unclosed deep input is rejected before the nesting is ever built.
     EXPECT_FALSE(readOmmlDocument(unknown));
+}
+
+TEST(OmmlReaderLimits, TextOnlyTheDomParserAcceptsIsMeasuredToo)
+{
+    // Duplicate attributes and control character references: the DOM parser
+    // reads these, so the nesting check must not turn them away.
+    const KOmmlNodePtr duplicate =
+        readOmmlDocument("<m:r a=\"1\" a=\"/>\"><!-- <x><x> --><m:t><![CDATA[<y><y>]]>&#1;</m:t></m:r>");
+    const ORun* r = ommlAs<ORun>(duplicate.get());
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->text, QString("<y><y>") + QChar(1));
+
+    // Markup inside an internal entity is expanded by the DOM parser.
+    EXPECT_EQ(readDump("<!DOCTYPE m:oMath [<!ENTITY e \"<m:r><m:t>q</m:t></m:r>\"><!-- ] > -->]>"
+                       "<m:oMath>&e;</m:oMath>"),
+              "<m:oMath xmlns:m=\"" + kNs + "\">" + runXml("q") + "</m:oMath>");
+
+    // The DOM parser drops references to undeclared entities.
+    const KOmmlNodePtr entity = readOmmlDocument("<m:r><m:t>a&nbsp;b</m:t></m:r>");
+    ASSERT_TRUE(ommlAs<ORun>(entity.get()));
+    EXPECT_EQ(ommlAs<ORun>(entity.get())->text, QStringLiteral("ab"));
+
+    QString deep;
+    for (int i = 0; i < kMaxOmmlReadDepth; ++i)
+        deep += QStringLiteral("<m:oMath>");
+    QString closing;
+    for (int i = 0; i < kMaxOmmlReadDepth; ++i)
+        closing += QStringLiteral("</m:oMath>");
+    const QString markupInComments =
+        QStringLiteral("<!--") + QString("<x>").repeated(5000) + QStringLiteral("-->");
+    const QString atLimit = "<m:oMath a=\"1\" a=\"2\">" + markupInComments + deep.mid(9) + closing;
+    EXPECT_TRUE(readOmmlDocument(atLimit));
+    const QString overLimit = "<m:oMath a=\"1\" a=\"2\">" + deep + closing;
+    EXPECT_FALSE(readOmmlDocument(overLimit));
 }
 
 TEST(OmmlReaderLimits, MegabytesOfFlatInputRead)

@@ -1,0 +1,352 @@
+#include "latex/latex_lexer.h"
+
+#include <QChar>
+#include <QSet>
+
+namespace {
+
+// The commands whose braced argument is a colour name or value, read as one token.
+const QSet<QString>& colourCommands()
+{
+    static const QSet<QString> names = {QStringLiteral("color"), QStringLiteral("textcolor"),
+                                        QStringLiteral("colorbox"), QStringLiteral("fcolorbox")};
+    return names;
+}
+
+bool isBlank(QChar c)
+{
+    const char16_t u = c.unicode();
+    return u == 0x09 || u == 0x0A || u == 0x0D || u == 0x20;
+}
+
+// Inside a colour argument any Unicode white space separates, not just the four ASCII blanks.
+bool isColourSpace(QChar c)
+{
+    const char16_t u = c.unicode();
+    return (u >= 0x09 && u <= 0x0D) || u == 0x20 || u == 0x85 || u == 0xA0 || c.isSpace();
+}
+
+bool isAsciiLetter(char16_t u)
+{
+    return (u >= u'A' && u <= u'Z') || (u >= u'a' && u <= u'z');
+}
+
+bool isLetter(QChar c)
+{
+    const char16_t u = c.unicode();
+    return isAsciiLetter(u) || (u >= 0x80 && c.isLetter());
+}
+
+bool isDigit(QChar c)
+{
+    const char16_t u = c.unicode();
+    return (u >= u'0' && u <= u'9') || (u >= 0x80 && c.category() == QChar::Number_DecimalDigit);
+}
+
+bool isHexDigit(QChar c)
+{
+    const char16_t u = c.unicode();
+    return isDigit(c) || (u >= u'A' && u <= u'F') || (u >= u'a' && u <= u'f');
+}
+
+bool isColourNameChar(QChar c)
+{
+    const char16_t u = c.unicode();
+    return isAsciiLetter(u) || (u >= u'0' && u <= u'9') || u == u'_' || u == u'-' ||
+           (u >= 0x80 && c.isLetterOrNumber());
+}
+
+// Control words that stand for fixed amounts of space get internal names that
+// do not collide with any control word a user can type.
+QString normalisedSpacingName(const QString& name)
+{
+    if (name == QLatin1String("thinspace"))
+        return QStringLiteral("space_thin");
+    if (name == QLatin1String("medspace"))
+        return QStringLiteral("space_med");
+    if (name == QLatin1String("thickspace"))
+        return QStringLiteral("space_thick");
+    if (name == QLatin1String("quad"))
+        return QStringLiteral("space_quad");
+    if (name == QLatin1String("qquad"))
+        return QStringLiteral("space_qquad");
+    return QString();
+}
+
+// The name of the command a control symbol (backslash plus one non-letter) stands for, or empty.
+QString controlSymbolName(char16_t u)
+{
+    switch (u) {
+    case u' ':
+        return QStringLiteral("space_normal");
+    case u'!':
+        return QStringLiteral("space_negthin");
+    case u',':
+        return QStringLiteral("space_thin");
+    case u':':
+        return QStringLiteral("space_med");
+    case u';':
+        return QStringLiteral("space_thick");
+    case u'#':
+    case u'$':
+    case u'%':
+    case u'&':
+    case u'(':
+    case u')':
+    case u'[':
+    case u']':
+    case u'_':
+    case u'{':
+    case u'|':
+    case u'}':
+        return QString(QChar(u));
+    default:
+        return QString();
+    }
+}
+
+} // namespace
+
+KLatexLexResult KLatexLexer::tokenize()
+{
+    m_end = int(m_source.size());
+    m_position = 0;
+    m_diagnostics.clear();
+    m_tokens.clear();
+    m_tokens.reserve(std::size_t(m_end) + 1);
+    m_colourMode = 0;
+    m_colourDepth = 0;
+    m_lastColourCommand.clear();
+    m_closeBracketAt = -1;
+
+    for (;;) {
+        skipBlanksAndComments();
+        if (m_position >= m_end) {
+            append(TokenKind::EndOfInput, QString(), m_end, 0);
+            break;
+        }
+        const int start = m_position;
+        const char16_t c = m_source[m_position].unicode();
+        switch (c) {
+        case u'\\':
+            readControlSequence();
+            break;
+        case u'~':
+            ++m_position;
+            append(TokenKind::Command, QStringLiteral("nbsp"), start, 1);
+            break;
+        case u'[':
+            if ((!m_lastColourCommand.isEmpty() || m_colourMode) && readBracketedColour())
+                break;
+            ++m_position;
+            append(TokenKind::LBracket, QStringLiteral("["), start, 1);
+            break;
+        case u']':
+            ++m_position;
+            append(TokenKind::RBracket, QStringLiteral("]"), start, 1);
+            break;
+        case u'^':
+            ++m_position;
+            append(TokenKind::Superscript, QStringLiteral("^"), start, 1);
+            break;
+        case u'_':
+            ++m_position;
+            append(TokenKind::Subscript, QStringLiteral("_"), start, 1);
+            break;
+        case u'&':
+            ++m_position;
+            append(TokenKind::Ampersand, QStringLiteral("&"), start, 1);
+            break;
+        case u'{':
+            ++m_position;
+            append(TokenKind::LBrace, QStringLiteral("{"), start, 1);
+            if (!m_lastColourCommand.isEmpty()) {
+                m_colourMode = 1;
+                m_colourDepth = 1;
+            }
+            break;
+        case u'}':
+            ++m_position;
+            append(TokenKind::RBrace, QStringLiteral("}"), start, 1);
+            if (m_colourMode && --m_colourDepth == 0) {
+                m_colourMode = 0;
+                m_lastColourCommand.clear();
+            }
+            break;
+        default:
+            if (m_colourMode && readColourSpecification())
+                break;
+            readSingleCodeUnit();
+            break;
+        }
+    }
+
+    KLatexLexResult result;
+    result.tokens = std::move(m_tokens);
+    result.diagnostics = std::move(m_diagnostics);
+    m_tokens.clear();
+    m_diagnostics.clear();
+    return result;
+}
+
+void KLatexLexer::skipBlanksAndComments()
+{
+    while (m_position < m_end) {
+        const QChar c = m_source[m_position];
+        if (isBlank(c)) {
+            ++m_position;
+        } else if (c == QLatin1Char('%')) {
+            while (m_position < m_end && m_source[m_position] != QLatin1Char('\n'))
+                ++m_position;
+        } else {
+            break;
+        }
+    }
+}
+
+void KLatexLexer::readControlSequence()
+{
+    const int start = m_position;
+    ++m_position;
+    if (m_position >= m_end) {
+        warn(QStringLiteral("W_backslash_eof"), QStringLiteral("Trailing backslash at end of input"), start,
+             1);
+        append(TokenKind::Command, QStringLiteral("\\"), start, 1);
+        return;
+    }
+    const QChar next = m_source[m_position];
+    if (isLetter(next)) {
+        const int nameStart = m_position;
+        while (m_position < m_end && isLetter(m_source[m_position]))
+            ++m_position;
+        QString name = m_source.mid(nameStart, m_position - nameStart).toString();
+        bool starred = false;
+        if (m_position < m_end && m_source[m_position] == QLatin1Char('*')) {
+            starred = true;
+            ++m_position;
+        }
+        const QString spacing = normalisedSpacingName(name);
+        if (!spacing.isEmpty())
+            name = spacing;
+        else if (colourCommands().contains(name))
+            m_lastColourCommand = name;
+        append(TokenKind::Command, std::move(name), start, m_position - start, starred);
+        return;
+    }
+    ++m_position;
+    if (next == QLatin1Char('\\')) {
+        append(TokenKind::Command, QStringLiteral("\\\\"), start, 2);
+        return;
+    }
+    QString symbol = controlSymbolName(next.unicode());
+    if (!symbol.isEmpty()) {
+        append(TokenKind::Command, std::move(symbol), start, 2);
+        return;
+    }
+    QString text(QLatin1Char('\\'));
+    text.append(next);
+    append(TokenKind::Char, std::move(text), start, 2);
+}
+
+void KLatexLexer::readSingleCodeUnit()
+{
+    const int start = m_position;
+    const QChar c = m_source[m_position++];
+    append(isDigit(c) ? TokenKind::Digit : TokenKind::Char, QString(c), start, 1);
+}
+
+void KLatexLexer::skipColourSpace()
+{
+    while (m_position < m_end && isColourSpace(m_source[m_position]))
+        ++m_position;
+}
+
+bool KLatexLexer::readColourSpecification()
+{
+    const int attempt = m_position;
+    skipColourSpace();
+    const int textStart = m_position;
+    if (m_position < m_end && m_source[m_position] == QLatin1Char('#')) {
+        ++m_position;
+        while (m_position < m_end && isHexDigit(m_source[m_position]))
+            ++m_position;
+    } else if (m_end - m_position > 3 && m_source.mid(m_position, 3) == QLatin1String("rgb")) {
+        while (m_position < m_end && isLetter(m_source[m_position]))
+            ++m_position;
+        const int afterLetters = m_position;
+        skipColourSpace();
+        if (m_position < m_end && m_source[m_position] == QLatin1Char('(')) {
+            int open = 0;
+            for (; m_position < m_end; ++m_position) {
+                const QChar c = m_source[m_position];
+                if (c == QLatin1Char('('))
+                    ++open;
+                else if (c == QLatin1Char(')') && --open == 0)
+                    break;
+            }
+            if (m_position < m_end) {
+                ++m_position;
+            } else {
+                warn(QStringLiteral("W_unclosed_paren"),
+                     QStringLiteral("Unclosed parentheses in RGB color value"), textStart,
+                     m_position - textStart);
+            }
+        } else {
+            m_position = afterLetters;
+        }
+    } else {
+        while (m_position < m_end && isColourNameChar(m_source[m_position]))
+            ++m_position;
+    }
+    const int taken = m_position - textStart;
+    if (taken == 0) {
+        m_position = attempt;
+        return false;
+    }
+    append(TokenKind::Char, m_source.mid(textStart, taken).toString(), attempt, taken);
+    return true;
+}
+
+bool KLatexLexer::readBracketedColour()
+{
+    const int start = m_position;
+    // The answer of the last search stays valid while it lies ahead, so a long run
+    // of '[' without ']' is scanned once, not once per bracket.
+    if (m_closeBracketAt <= start) {
+        m_closeBracketAt = start + 1;
+        while (m_closeBracketAt < m_end && m_source[m_closeBracketAt] != QLatin1Char(']'))
+            ++m_closeBracketAt;
+    }
+    const int close = m_closeBracketAt;
+    if (close >= m_end)
+        return false;
+    m_position = close + 1;
+    skipColourSpace();
+    if (m_position < m_end && m_source[m_position] == QLatin1Char('{')) {
+        int open = 0;
+        for (; m_position < m_end; ++m_position) {
+            const QChar c = m_source[m_position];
+            if (c == QLatin1Char('{'))
+                ++open;
+            else if (c == QLatin1Char('}') && --open == 0)
+                break;
+        }
+        if (m_position < m_end)
+            ++m_position;
+    } else {
+        // Only the bracket is part of the form; blanks before anything else stay for the next token.
+        m_position = close + 1;
+    }
+    append(TokenKind::Char, m_source.mid(start, m_position - start).toString(), start, m_position - start);
+    return true;
+}
+
+void KLatexLexer::append(TokenKind kind, QString text, int pos, int len, bool starred)
+{
+    m_tokens.push_back(Token{kind, std::move(text), starred, pos, len});
+}
+
+void KLatexLexer::warn(const QString& code, const QString& message, int pos, int len)
+{
+    m_diagnostics.push_back(LatexDiagnostic{1, pos, len, code, message});
+}

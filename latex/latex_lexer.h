@@ -1,0 +1,44 @@
+#pragma once
+// KLatexLexer: LaTeX math source (UTF-16) to a flat token list. It never fails;
+// the list always ends with one EndOfInput token, and its only diagnostics are
+// two warnings ("W_backslash_eof", "W_unclosed_paren").
+
+#include "latex/latex_ast.h"
+
+#include <QString>
+#include <QStringView>
+
+#include <vector>
+
+struct KLatexLexResult {
+    std::vector<Token> tokens;
+    LatexDiagnostics diagnostics;
+};
+
+class KLatexLexer {
+public:
+    // The source is not copied: it must outlive tokenize().
+    explicit KLatexLexer(QStringView source) : m_source(source) {}
+
+    KLatexLexResult tokenize();
+
+private:
+    void skipBlanksAndComments();
+    void readControlSequence();
+    bool readColourSpecification();
+    bool readBracketedColour();
+    void readSingleCodeUnit();
+    void skipColourSpace();
+    void append(TokenKind kind, QString text, int pos, int len, bool starred = false);
+    void warn(const QString& code, const QString& message, int pos, int len);
+
+    QStringView m_source;
+    int m_position = 0;
+    int m_end = 0;
+    std::vector<Token> m_tokens;
+    LatexDiagnostics m_diagnostics;
+    int m_colourMode = 0;
+    int m_colourDepth = 0;
+    QString m_lastColourCommand;
+    int m_closeBracketAt = -1; // first ']' after the latest bracketed colour attempt, or the end
+};

@@ -1,0 +1,384 @@
+#include "latex/latex_parser.h"
+
+#include "latex/latex_lexer.h"
+#include "latex/parser_messages.h"
+
+using namespace latexmsg;
+
+namespace {
+
+// Keeps the nesting counter right on every way out of a function.
+class DepthScope {
+public:
+    explicit DepthScope(int& depth) : m_depth(depth) { ++m_depth; }
+    ~DepthScope() { --m_depth; }
+    DepthScope(const DepthScope&) = delete;
+    DepthScope& operator=(const DepthScope&) = delete;
+
+private:
+    int& m_depth;
+};
+
+bool isCommandToken(const Token& token, const char* name)
+{
+    return token.kind == TokenKind::Command && token.text == QLatin1String(name);
+}
+
+// Operators that split the brace group they stand in into a numerator and a denominator.
+bool isInfixFraction(const QString& name)
+{
+    static const QLatin1String names[] = {QLatin1String("over"), QLatin1String("atop"),
+                                          QLatin1String("above"), QLatin1String("choose")};
+    for (const QLatin1String& n : names) {
+        if (name == n)
+            return true;
+    }
+    return false;
+}
+
+// The plain-TeX matrix commands that take their rows in one brace group (\pmatrix{a & b \cr c & d}).
+bool isPlainMatrix(const QString& name)
+{
+    static const QLatin1String names[] = {QLatin1String("pmatrix"), QLatin1String("bmatrix"),
+                                          QLatin1String("vmatrix"), QLatin1String("Vmatrix"),
+                                          QLatin1String("Bmatrix"), QLatin1String("matrix")};
+    for (const QLatin1String& n : names) {
+        if (name == n)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+KLatexParser::KLatexParser(const std::vector<Token>& tokens, LatexDiagnostics& diagnostics, int itemLimit)
+    : m_tokens(tokens), m_diagnostics(diagnostics), m_itemLimit(itemLimit), m_failedLeft(tokens.size(), false)
+{
+}
+
+const Token& KLatexParser::peek() const
+{
+    static const Token endOfInput;
+    if (m_position >= 0 && std::size_t(m_position) < m_tokens.size())
+        return m_tokens[std::size_t(m_position)];
+    return endOfInput;
+}
+
+const Token& KLatexParser::advance()
+{
+    const Token& current = peek();
+    if (current.kind != TokenKind::EndOfInput)
+        ++m_position;
+    return current;
+}
+
+bool KLatexParser::isCommand(const char* name) const
+{
+    return isCommandToken(peek(), name);
+}
+
+void KLatexParser::report(int severity, const QString& code, const QString& message)
+{
+    reportAt(peek(), severity, code, message);
+}
+
+void KLatexParser::reportAt(const Token& token, int severity, const QString& code, const QString& message)
+{
+    // While unwinding doomed \left bodies everything parsed is thrown away and
+    // parsed again, so what it would report is reported then.
+    if (m_unwinding)
+        return;
+    m_diagnostics.push_back(LatexDiagnostic{severity, token.pos, token.len, code, message});
+}
+
+KLatexNodePtr KLatexParser::parseDocument()
+{
+    return parseExprUntil([](const Token&) { return false; }, false);
+}
+
+KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allowInfix)
+{
+    DepthScope scope(m_depth);
+    if (m_depth > kMaxNestingDepth) {
+        report(kFatal, QStringLiteral("F_nesting_overflow"), nestingOverflow());
+        return makeGroup();
+    }
+
+    KLatexNodeList items;
+    int atoms = 0;
+    int lastChain = 0; // scripts already stacked on the last item
+    for (;;) {
+        const Token& token = peek();
+        if (token.kind == TokenKind::EndOfInput || stop(token))
+            break;
+
+        if (allowInfix && token.kind == TokenKind::Command) {
+            if (token.text == QLatin1String("buildrel")) {
+                advance();
+                KLatexNodePtr above = parseExprUntil(
+                    [](const Token& t) { return isCommandToken(t, "over") || t.kind == TokenKind::RBrace; },
+                    false);
+                if (!isCommand("over")) {
+                    report(kError, QStringLiteral("E_buildrel_over"), buildrelOver());
+                    items.push_back(std::move(above));
+                } else {
+                    advance();
+                    KLatexNodePtr below =
+                        peek().kind == TokenKind::LBrace ? parseBraceGroupAsExpr() : parseAtom();
+                    KLatexArgs args;
+                    args.push_back(KLatexArg{false, std::move(above)});
+                    args.push_back(KLatexArg{false, std::move(below)});
+                    items.push_back(makeCommand(QStringLiteral("overset"), std::move(args)));
+                }
+                lastChain = 0;
+                continue;
+            }
+            if (isInfixFraction(token.text)) {
+                const QString name = advance().text;
+                KLatexNodePtr right = parseExprUntil(stop, false);
+                KLatexArgs args;
+                args.push_back(KLatexArg{false, makeGroup(std::move(items))});
+                args.push_back(KLatexArg{false, std::move(right)});
+                return makeCommand(name, std::move(args));
+            }
+        }
+
+        if (token.kind == TokenKind::Superscript || token.kind == TokenKind::Subscript) {
+            KLatexNodePtr base;
+            int chain = 0;
+            if (!items.empty() && lastChain < kMaxScriptChain) {
+                base = std::move(items.back());
+                items.pop_back();
+                chain = lastChain;
+            } else {
+                if (!items.empty())
+                    report(kFatal, QStringLiteral("F_nesting_overflow"), nestingOverflow());
+                base = makeGroup();
+            }
+            items.push_back(parseScripts(std::move(base), chain));
+            lastChain = chain;
+            continue;
+        }
+
+        KLatexNodePtr atom = parseAtom();
+        if (!atom) {
+            report(kError, QStringLiteral("E_unexpected_token"), unexpectedToken());
+            advance();
+            continue;
+        }
+        int chain = 0;
+        items.push_back(parseScripts(std::move(atom), chain));
+        lastChain = chain;
+        if (atoms < m_itemLimit) {
+            ++atoms;
+        } else {
+            report(kFatal, QStringLiteral("F_nesting_overflow"), nestingOverflow());
+            break;
+        }
+    }
+    return makeGroup(std::move(items));
+}
+
+KLatexNodePtr KLatexParser::parseBraceGroupAsExpr()
+{
+    if (peek().kind != TokenKind::LBrace) {
+        report(kError, QStringLiteral("E_expected_lbrace"), expectedLBrace());
+        return makeGroup();
+    }
+    advance();
+    KLatexNodePtr content = parseExprUntil([](const Token& t) { return t.kind == TokenKind::RBrace; }, true);
+    if (peek().kind == TokenKind::RBrace)
+        advance();
+    else
+        reportAt(m_tokens[std::size_t(m_position - 1)], kError, QStringLiteral("E_missing_rbrace"),
+                 missingRBrace());
+    return content;
+}
+
+KLatexNodePtr KLatexParser::parseBracketGroupAsExpr()
+{
+    if (peek().kind != TokenKind::LBracket)
+        return nullptr;
+    advance();
+    KLatexNodePtr content =
+        parseExprUntil([](const Token& t) { return t.kind == TokenKind::RBracket; }, false);
+    if (peek().kind == TokenKind::RBracket)
+        advance();
+    else
+        reportAt(m_tokens[std::size_t(m_position - 1)], kError, QStringLiteral("E_missing_rbracket"),
+                 missingRBracket());
+    return content;
+}
+
+KLatexNodePtr KLatexParser::parseAtom()
+{
+    const Token& token = peek();
+    switch (token.kind) {
+    case TokenKind::Char:
+    case TokenKind::Digit:
+    case TokenKind::LBracket:
+    case TokenKind::RBracket:
+        return makeText(advance().text);
+    case TokenKind::LBrace:
+        return parseBraceGroupAsExpr();
+    case TokenKind::Command:
+        return parseCommandAtom();
+    case TokenKind::EndOfInput:
+    case TokenKind::RBrace:
+    case TokenKind::Superscript:
+    case TokenKind::Subscript:
+    case TokenKind::Ampersand:
+        return nullptr;
+    }
+    return nullptr;
+}
+
+KLatexNodePtr KLatexParser::parseCommandAtom()
+{
+    const Token& token = peek();
+    if (token.text == QLatin1String("left"))
+        return parseLeftRightGroup();
+    if (token.text == QLatin1String("begin")) {
+        advance();
+        return parseEnv();
+    }
+    const Token& command = advance();
+    QString name = command.text;
+    if (command.starred)
+        name.append(QLatin1Char('*'));
+
+    if (name == QLatin1String("\\\\")) {
+        KLatexArgs args;
+        if (KLatexNodePtr spacing = parseBracketGroupAsExpr())
+            args.push_back(KLatexArg{true, std::move(spacing)});
+        return makeCommand(name, std::move(args));
+    }
+    if (name == QLatin1String("right")) {
+        QString right = readDelimiter(DelimiterSide::Right, false);
+        return makeLeftRight(QStringLiteral("."), std::move(right), makeGroup(), true);
+    }
+    if (isPlainMatrix(name))
+        return parsePlainMatrix(name);
+
+    const ArgShape shape = commandArgShape(name);
+    KLatexArgs args;
+    if (name != QLatin1String("left") && name != QLatin1String("begin") && name != QLatin1String("end"))
+        args = parseCommandArgs(shape, name);
+    if (shape == ArgShape::Unknown)
+        return makeUnknownCommand(std::move(name), std::move(args));
+    return makeCommand(std::move(name), std::move(args));
+}
+
+KLatexNodePtr KLatexParser::parseScripts(KLatexNodePtr node, int& chainDepth)
+{
+    for (;;) {
+        const TokenKind first = peek().kind;
+        if (first != TokenKind::Superscript && first != TokenKind::Subscript)
+            return node;
+        KLatexNodePtr sup;
+        KLatexNodePtr sub;
+        advance();
+        if (first == TokenKind::Superscript)
+            sup = parseScriptArg();
+        else
+            sub = parseScriptArg();
+
+        bool both = false;
+        if (peek().kind == TokenKind::Superscript) {
+            // After x^a a second ^ is dropped unread; its argument becomes an atom of its own.
+            advance();
+            if (first != TokenKind::Superscript) {
+                sup = parseScriptArg();
+                both = true;
+            }
+        }
+        if (!both && peek().kind == TokenKind::Subscript) {
+            advance();
+            if (first != TokenKind::Subscript) {
+                sub = parseScriptArg();
+                both = true;
+            }
+        }
+        if (!node)
+            node = makeGroup();
+        node = makeScript(std::move(node), std::move(sup), std::move(sub));
+        ++chainDepth;
+        if (!both || chainDepth >= kMaxScriptChain)
+            return node;
+    }
+}
+
+KLatexNodePtr KLatexParser::parseScriptArg()
+{
+    if (peek().kind == TokenKind::LBrace)
+        return parseBraceGroupAsExpr();
+    if (KLatexNodePtr atom = parseAtom())
+        return atom;
+    report(kError, QStringLiteral("E_missing_script_arg"), missingScriptArg());
+    return makeGroup();
+}
+
+QString KLatexParser::readDelimiter(DelimiterSide side, bool warn)
+{
+    const Token& token = peek();
+    switch (token.kind) {
+    case TokenKind::Command:
+        advance();
+        return QLatin1Char('\\') + token.text;
+    case TokenKind::Char:
+        advance();
+        return token.text;
+    case TokenKind::LBracket:
+        advance();
+        return QStringLiteral("[");
+    case TokenKind::RBracket:
+        advance();
+        return QStringLiteral("]");
+    default:
+        if (warn && side == DelimiterSide::Left)
+            report(kWarning, QStringLiteral("W_left_delim"), leftDelim(token.text));
+        else if (warn)
+            report(kWarning, QStringLiteral("W_right_delim"), rightDelim(token.text));
+        return QStringLiteral(".");
+    }
+}
+
+KLatexNodePtr KLatexParser::parseLeftRightGroup()
+{
+    const int leftIndex = m_position;
+    advance();
+    QString left = readDelimiter(DelimiterSide::Left, true);
+    const int bodyStart = m_position;
+    if (std::size_t(leftIndex) < m_failedLeft.size() && m_failedLeft[std::size_t(leftIndex)])
+        return makeLeftRight(std::move(left), QStringLiteral("."), makeGroup(), true);
+
+    ++m_openLeftSearches;
+    KLatexNodePtr body = parseExprUntil([](const Token& t) { return isCommandToken(t, "right"); }, false);
+    --m_openLeftSearches;
+
+    if (!isCommand("right")) {
+        m_unwinding = false;
+        report(kError, QStringLiteral("E_missing_right"), missingRight());
+        if (std::size_t(leftIndex) < m_failedLeft.size())
+            m_failedLeft[std::size_t(leftIndex)] = true;
+        if (peek().kind == TokenKind::EndOfInput && m_openLeftSearches > 0) {
+            // Every enclosing \left body would run to the end of the input again.
+            m_unwinding = true;
+        } else {
+            m_position = bodyStart;
+        }
+        return makeLeftRight(std::move(left), QStringLiteral("."), makeGroup(), true);
+    }
+    advance();
+    QString right = readDelimiter(DelimiterSide::Right, true);
+    return makeLeftRight(std::move(left), std::move(right), std::move(body), true);
+}
+
+KLatexNodePtr parseLatex(QStringView source, LatexDiagnostics& diagnostics, int itemLimit)
+{
+    KLatexLexer lexer(source);
+    KLatexLexResult lexed = lexer.tokenize();
+    diagnostics = std::move(lexed.diagnostics);
+    KLatexParser parser(lexed.tokens, diagnostics, itemLimit);
+    return parser.parseDocument();
+}

@@ -1,0 +1,90 @@
+#pragma once
+// KLatexParser: recursive descent over the lexer's token list into the LaTeX
+// syntax tree. It never fails: every problem is repaired where it occurs and
+// recorded as a LatexDiagnostic in the caller's list.
+
+#include "latex/command_args.h"
+#include "latex/latex_ast.h"
+
+#include <QStringView>
+
+#include <functional>
+#include <vector>
+
+class KLatexParser {
+public:
+    using StopPredicate = std::function<bool(const Token&)>;
+
+    // Maximum number of atoms in one expression list before "F_nesting_overflow".
+    static constexpr int kItemLimit = 1024;
+    // Expression lists nested deeper than this are cut off with "F_nesting_overflow",
+    // so that neither the parser nor any walk over its tree can exhaust the stack.
+    static constexpr int kMaxNestingDepth = 256;
+    // Longest chain of scripts stacked on one base (x^a_b^c_d...) before the next
+    // scripts start on an empty base of their own.
+    static constexpr int kMaxScriptChain = 256;
+
+    // Neither the tokens nor the diagnostics are copied; both must outlive the parser.
+    KLatexParser(const std::vector<Token>& tokens, LatexDiagnostics& diagnostics, int itemLimit = kItemLimit);
+
+    // The whole token list as one group; never null.
+    KLatexNodePtr parseDocument();
+
+    // Items up to (not including) a token that satisfies stop or EndOfInput. A group,
+    // never null; with allowInfix an infix fraction returns the fraction command itself.
+    KLatexNodePtr parseExprUntil(const StopPredicate& stop, bool allowInfix);
+    // { ... } with infix fractions; never null.
+    KLatexNodePtr parseBraceGroupAsExpr();
+    // [ ... ] as a group, or null when the current token is not '['.
+    KLatexNodePtr parseBracketGroupAsExpr();
+    // The current token is \left.
+    KLatexNodePtr parseLeftRightGroup();
+
+    // The current token follows \begin.
+    KLatexNodePtr parseEnv();
+    KLatexNodePtr parseAlignedEnvBody(const QString& name, KLatexArgs args);
+    // Rows of a plain-TeX matrix, up to (not including) its closing brace.
+    KLatexNodeList parseMatrixBody();
+
+    // Reads the arguments that follow an already consumed command token.
+    KLatexArgs parseCommandArgs(ArgShape shape, const QString& name);
+
+    int itemLimit() const { return m_itemLimit; }
+    const LatexDiagnostics& diagnostics() const { return m_diagnostics; }
+
+private:
+    const Token& peek() const;
+    const Token& advance();
+    bool isCommand(const char* name) const;
+    void report(int severity, const QString& code, const QString& message);
+    void reportAt(const Token& token, int severity, const QString& code, const QString& message);
+
+    KLatexNodePtr parseAtom();
+    KLatexNodePtr parseCommandAtom();
+    KLatexNodePtr parseScripts(KLatexNodePtr node, int& chainDepth);
+    KLatexNodePtr parseScriptArg();
+    KLatexNodePtr parsePlainMatrix(const QString& name);
+    KLatexNodePtr closeEnvironment(const QString& name, KLatexArgs args, KLatexNodeList body);
+    enum class DelimiterSide { Left, Right };
+    QString readDelimiter(DelimiterSide side, bool warn);
+    QString readEnvironmentName(bool warn);
+
+    const std::vector<Token>& m_tokens;
+    int m_position = 0;
+    LatexDiagnostics& m_diagnostics;
+    int m_itemLimit = kItemLimit;
+
+    int m_depth = 0;
+    // \left tokens (by index) whose search for \right failed; met again, they are not searched again.
+    std::vector<bool> m_failedLeft;
+    // Number of \left bodies being parsed right now.
+    int m_openLeftSearches = 0;
+    // A \left body ran to the end of the input, so every enclosing \left fails as well: they
+    // are unwound without parsing (and without repeating diagnostics) up to the outermost.
+    bool m_unwinding = false;
+};
+
+// Lexes and parses LaTeX source. The lexer's warnings come first in diagnostics,
+// followed by the parser's.
+KLatexNodePtr parseLatex(QStringView source, LatexDiagnostics& diagnostics,
+                         int itemLimit = KLatexParser::kItemLimit);
