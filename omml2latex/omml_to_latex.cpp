@@ -6,6 +6,9 @@
 
 namespace {
 
+// The most cells a matrix is padded to; real matrices stay far below it.
+constexpr size_t kMaxPaddedCells = 1000000;
+
 KLatexArg braceArg(KLatexNodePtr node)
 {
     return KLatexArg{false, std::move(node)};
@@ -277,10 +280,15 @@ public:
         size_t columns = 1;
         for (const OMatrixRow& row : matrix.rows)
             columns = std::max(columns, row.size());
+        // Short rows are padded to the full column count. One very long row
+        // among many short ones would make padding quadratic in the input, so
+        // past a generous cell budget the rows keep their own lengths.
+        const bool pad = columns <= kMaxPaddedCells / matrix.rows.size();
         KLatexNodeList rows;
         for (const OMatrixRow& row : matrix.rows) {
             KLatexNodeList cells;
-            for (size_t i = 0; i < columns; ++i)
+            const size_t count = pad ? columns : std::max<size_t>(row.size(), 1);
+            for (size_t i = 0; i < count; ++i)
                 cells.push_back(i < row.size() ? list(row[i]) : makeGroup());
             rows.push_back(makeRow(std::move(cells)));
         }

@@ -605,3 +605,48 @@ TEST(ConverterDepthGuard, CutsHostileNesting)
 }
 
 } // namespace
+
+namespace {
+
+TEST(ConvertsMatrix, DoesNotPadWithoutBound)
+{
+    // One row of 3000 cells among 3000 rows of one cell: padding every row
+    // would need nine million cells, so the rows keep their own lengths.
+    OMatrix m;
+    OMatrixRow wide;
+    for (int i = 0; i < 3000; ++i)
+        wide.push_back(one("a"));
+    m.rows.push_back(std::move(wide));
+    for (int i = 0; i < 3000; ++i) {
+        OMatrixRow narrow;
+        narrow.push_back(one("b"));
+        m.rows.push_back(std::move(narrow));
+    }
+    KOmmlToLatexConverter converter;
+    const KLatexNodePtr tree = converter.convert(makeOmmlNode(std::move(m)).get());
+    const auto* env = latexAs<KLatexEnv>(tree.get());
+    ASSERT_NE(env, nullptr);
+    ASSERT_EQ(env->body.size(), 3001u);
+    EXPECT_EQ(latexAs<KLatexRow>(env->body.front().get())->cells.size(), 3000u);
+    EXPECT_EQ(latexAs<KLatexRow>(env->body.back().get())->cells.size(), 1u);
+}
+
+TEST(ConvertsMatrix, PadsUpToTheBudget)
+{
+    // 500 rows of up to 500 cells stay within the budget and are padded.
+    OMatrix m;
+    for (int r = 0; r < 500; ++r) {
+        OMatrixRow row;
+        for (int c = 0; c <= r; ++c)
+            row.push_back(one("a"));
+        m.rows.push_back(std::move(row));
+    }
+    KOmmlToLatexConverter converter;
+    const KLatexNodePtr tree = converter.convert(makeOmmlNode(std::move(m)).get());
+    const auto* env = latexAs<KLatexEnv>(tree.get());
+    ASSERT_NE(env, nullptr);
+    for (const KLatexNodePtr& row : env->body)
+        ASSERT_EQ(latexAs<KLatexRow>(row.get())->cells.size(), 500u);
+}
+
+} // namespace
