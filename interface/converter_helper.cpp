@@ -1,14 +1,36 @@
 #include "interface/converter_helper.h"
 
 #include "interface/word_document.h"
+#include "latex/latex_parser.h"
+#include "latex2omml/ast2omml.h"
+#include "omml/omml_writer.h"
 
 #include <QRegularExpression>
+#include <QXmlStreamWriter>
 
 QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
 {
     if (latex.isEmpty())
         return {};
-    return {};
+    // Diagnostics only matter to the parser's repairs; this operation drops them.
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr tree = parseLatex(latex, diagnostics, KLatexParser::kItemLimit);
+    if (!tree)
+        return {};
+    KLatexAst2Omml converter;
+    converter.prepare(false);
+    if (!latexAs<KLatexGroup>(tree.get()))
+        return {};
+    QString result;
+    {
+        OMathParagraph paragraph;
+        paragraph.justification = OJustification::centerGroup;
+        paragraph.equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
+        QXmlStreamWriter xml(&result);
+        xml.setAutoFormatting(false);
+        writeOmmlParagraph(paragraph, xml);
+    }
+    return result;
 }
 
 QString KFormulaConverterHelper::ommlToLatex(QStringView omml) const

@@ -25,7 +25,7 @@ using EnvironmentHandler = std::function<KOmmlNodeList(KLatexAst2Omml&, KLatexEn
 class KLatexAst2Omml {
 public:
     // Nesting deeper than this converts to nothing instead of exhausting the stack.
-    static constexpr int kMaxDepth = 256;
+    static constexpr int kMaxDepth = 1024;
 
     // Empties the style stack, pushes the default style, remembers the mode.
     void prepare(bool renderMode);
