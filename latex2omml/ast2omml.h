@@ -40,7 +40,12 @@ public:
     // A run holding text, styled from the top of the style stack.
     KOmmlNodePtr makeStyledRun(QString text) const;
     void pushStyle(const OControlProperties& style) { m_styles.push_back(style); }
-    void popStyle() { m_styles.pop_back(); }
+    // The default style at the bottom is never popped, so an unmatched pop cannot empty the stack.
+    void popStyle()
+    {
+        if (m_styles.size() > 1)
+            m_styles.pop_back();
+    }
     bool renderMode() const { return m_renderMode; }
 
 private:
@@ -51,7 +56,7 @@ private:
 
     struct KDispatch;
 
-    std::deque<OControlProperties> m_styles;
+    std::deque<OControlProperties> m_styles{OControlProperties{}};
     bool m_renderMode = false;
     int m_depth = 0;
 };

@@ -202,6 +202,17 @@ TEST(ConverterCore, RunsDifferingInOneColourDoNotMerge)
     EXPECT_EQ(xmlOf(runs), r("a") + r("b", "<w:color w:val=\"ff0000\"/>"));
 }
 
+TEST(ConverterCore, StyleStackKeepsItsDefault)
+{
+    KLatexAst2Omml converter;
+    EXPECT_FALSE(converter.currentStyle().wordProps.italic);
+    converter.popStyle();
+    converter.popStyle();
+    EXPECT_EQ(converter.currentStyle().wordProps.asciiFont, "Cambria Math");
+    converter.prepare(false);
+    EXPECT_EQ(xmlOf(converter.convert(*text("a"))), r("a"));
+}
+
 TEST(ConverterCore, PrepareRestoresDefaultStyle)
 {
     KLatexAst2Omml converter;
