@@ -2,8 +2,11 @@
 
 #include "interface/word_document.h"
 #include "latex/latex_parser.h"
+#include "latex/latex_writer.h"
 #include "latex2omml/ast2omml.h"
+#include "omml/omml_reader.h"
 #include "omml/omml_writer.h"
+#include "omml2latex/omml_to_latex.h"
 
 #include <QRegularExpression>
 #include <QXmlStreamWriter>
@@ -37,7 +40,20 @@ QString KFormulaConverterHelper::ommlToLatex(QStringView omml) const
 {
     if (omml.isEmpty())
         return {};
-    return {};
+    const KOmmlNodePtr root = readOmmlDocument(omml.toString());
+    const auto* paragraph = ommlAs<OMathParagraph>(root.get());
+    if (!paragraph || !paragraph->equation)
+        return {};
+    KOmmlToLatexConverter converter;
+    const KLatexNodePtr tree = converter.convert(paragraph->equation.get());
+    if (!tree)
+        return {};
+    KLatexWriterOptions options;
+    options.bareSimpleArguments = false;
+    options.bareSimpleScripts = true;
+    options.breakEnvironmentRows = true;
+    options.indent = QStringLiteral("\t");
+    return KLatexWriter::write(tree.get(), options);
 }
 
 QString KFormulaConverterHelper::extractMathParagraph(const QString& text) const

@@ -1,0 +1,74 @@
+// LaTeX -> OMML -> LaTeX -> OMML -> LaTeX: the second LaTeX text should equal
+// the first, that is the conversion reaches a fixed point after one trip.
+
+#include "interface/converter_helper.h"
+
+#include <QFile>
+#include <QTextStream>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace {
+
+QStringList readCorpus()
+{
+    QStringList formulas;
+    for (const char* name : {"arxiv-formulas.txt", "wikipedia-formulas.txt"}) {
+        QFile file(QStringLiteral(FC_CORPUS_DIR "/") + QLatin1String(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+        for (const QString& line : lines) {
+            if (!line.trimmed().isEmpty())
+                formulas << line;
+        }
+    }
+    return formulas;
+}
+
+struct Trip {
+    QString first;  // LaTeX after one trip
+    QString second; // LaTeX after two trips
+};
+
+Trip roundTrip(const QString& latex)
+{
+    const KFormulaConverterHelper helper;
+    const QString first = helper.ommlToLatex(helper.latexToOmml(latex));
+    const QString second = helper.ommlToLatex(helper.latexToOmml(first));
+    return {first, second};
+}
+
+// Below this share of the corpus reaching a fixed point something regressed.
+// The formulas that do not get there lose information on the way by design:
+// spacing commands and run spaces, \operatorname and \mathop names that become
+// plain runs, scripts stacked on scripts, commands shown as literal text.
+constexpr double kMinimumFixedShare = 0.90;
+
+TEST(CorpusRoundTrip, ReachesAFixedPoint)
+{
+    const QStringList formulas = readCorpus();
+    if (formulas.isEmpty())
+        GTEST_SKIP() << "corpus not found";
+    QFile report(QStringLiteral(FC_BINARY_DIR "/round_trip_not_fixed.txt"));
+    const bool writeReport = report.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    QTextStream out(&report);
+    out.setCodec("UTF-8");
+    int fixed = 0;
+    for (const QString& formula : formulas) {
+        const Trip trip = roundTrip(formula);
+        if (trip.first == trip.second) {
+            ++fixed;
+        } else if (writeReport) {
+            out << "L0: " << formula << "\nL1: " << trip.first << "\nL2: " << trip.second << "\n\n";
+        }
+    }
+    const double share = double(fixed) / formulas.size();
+    std::printf("round trip: %d of %d formulas reach a fixed point (%.2f%%)\n", fixed, int(formulas.size()),
+                100.0 * share);
+    EXPECT_GE(share, kMinimumFixedShare);
+}
+
+} // namespace
