@@ -260,6 +260,36 @@ std::vector<TreeCase> arrowLabelCases()
 
 INSTANTIATE_TEST_SUITE_P(ArrowLabels, DecorationTrees, ::testing::ValuesIn(arrowLabelCases()), caseName);
 
+class DecorationSources : public HandlerSources {};
+
+TEST_P(DecorationSources, ConvertToExactOmml)
+{
+    check();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FromLatex, DecorationSources,
+    ::testing::Values(
+        SourceCase{"\\hat{x}", accentEl(u8"\u0302", x)},
+        SourceCase{"\\vec{v}", accentEl(u8"\u20D7", run("v"))},
+        SourceCase{"\\overline{AB}", bar("top", run("AB"))}, SourceCase{"\\underline{x}", bar("bot", x)},
+        // \not takes a braced argument only; "\not=" leaves the "=" as an ordinary character.
+        SourceCase{"\\not=", run("=")}, SourceCase{"\\not{=}", borderBox(falling, run("="))},
+        SourceCase{"\\not{\\frac{a}{b}}", borderBox(rising, frac(run("a"), run("b")))},
+        SourceCase{"\\cancel{x}", borderBox(rising, x)}, SourceCase{"\\bcancel{x}", borderBox(falling, x)},
+        SourceCase{"\\xcancel{x}", borderBox(hiddenSides({"strikeBLTR", "strikeTLBR"}), x)},
+        SourceCase{"\\cancelto{0}{x}", sSup(borderBox(rising, x), run("0"))},
+        SourceCase{"\\overbrace{a+b}^{n}",
+                   sSup(groupChr(u8"\u23DE", "top", "bot", run("a+b"), ctrl(italicControl())), run("n"))},
+        SourceCase{"\\underbrace{x}_{k}",
+                   sSub(groupChr(u8"\u23DF", "bot", "top", x, ctrl(italicControl())), run("k"))},
+        SourceCase{"\\xrightarrow{f}", groupChr(right, "bot", "top", run("f"))},
+        SourceCase{"\\xrightarrow[g]{f}", limUpp(groupChr(right, "top", "bot", run("g")), run("f"))},
+        SourceCase{"\\xrightarrow[gg]{f}", limUpp(groupChr(right, "top", "bot", run("gg")), run("f"))},
+        SourceCase{"\\xrightarrow[g]{ff}", limLow(groupChr(right, "bot", "top", run("ff")), run("g"))},
+        SourceCase{"\\xrightarrow[g]{}", groupChr(right, "top", "bot", run("g"))},
+        SourceCase{"\\xrightarrow{}", run(right)}));
+
 TEST(Negation, SplitsNonBmpTextIntoCodeUnits)
 {
     // One box per UTF-16 code unit: a character outside the BMP gives two boxes,

@@ -149,6 +149,40 @@ std::vector<TreeCase> bigDelimiterCases()
 
 INSTANTIATE_TEST_SUITE_P(BigDelimiters, DelimiterTrees, ::testing::ValuesIn(bigDelimiterCases()), caseName);
 
+class DelimiterSources : public HandlerSources {};
+
+TEST_P(DelimiterSources, ConvertToExactOmml)
+{
+    check();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FromLatex, DelimiterSources,
+    ::testing::Values(
+        SourceCase{"\\begin{pmatrix} a & b \\\\ c & d \\end{pmatrix}",
+                   d("(", ")", matrix(centred2, {{ra, rb}, {rc, rd}}))},
+        SourceCase{"\\begin{matrix}\\end{matrix}", matrix({"center"}, {{""}})},
+        SourceCase{"\\begin{bmatrix}a&b&c\\\\d\\end{bmatrix}",
+                   d("[", "]", matrix({"center", "center", "center"}, {{ra, rb, rc}, {rd}}))},
+        // The spacing of the line break travels as an extra cell, which converts to nothing.
+        SourceCase{"\\begin{aligned}a&=b\\\\[2pt]c\\end{aligned}",
+                   matrix({"right", "left", "right"}, {{ra, run("=b"), ""}, {rc}})},
+        SourceCase{"\\begin{pmatrix}a\\\\\\end{pmatrix}", d("(", ")", matrix({"center"}, {{ra}, {""}}))},
+        SourceCase{"\\begin{cases} x & x>0 \\\\ -x & x\\le 0 \\end{cases}",
+                   d("{", "", eqArr({run("x") + run("x&gt;0"), run("-x") + run(u8"x\u22640")}))},
+        SourceCase{"\\begin{rcases} a \\\\ b \\end{rcases}", d("", "}", eqArr({ra, rb}))},
+        SourceCase{"\\begin{array}{cc}1&2\\end{array}", matrix(centred2, {{run("1"), run("2")}})},
+        SourceCase{"\\begin{Bmatrix}a\\end{Bmatrix}", ""},
+        SourceCase{"\\Bmatrix{a&b}", d("{", "}", matrix(centred2, {{ra, rb}}))},
+        SourceCase{"\\pmatrix{a&b\\cr c&d}", d("(", ")", matrix(centred2, {{ra, rb}, {rc, rd}}))},
+        SourceCase{"\\matrix{a}", d(" ", " ", matrix({"center"}, {{ra}}))},
+        SourceCase{"\\matrix x", run("x")},
+        SourceCase{"\\bigl{(} x \\bigr{)}", d("(", "", bigStrut) + run("x") + d("", ")", bigStrut)},
+        // A delimiter written without braces is not an argument: the command gets none
+        // and converts to nothing, the delimiter stays an ordinary character.
+        SourceCase{"\\bigl( x \\bigr)", run("(x)")}, SourceCase{"\\Big{\\|}", d(u8"\u2016", "", BigStrut)},
+        SourceCase{"\\Biggr{]}", d("", "]", biggStrut)}, SourceCase{"\\big{}", ""}));
+
 TEST(DelimiterTables, ManyRowsAreKeptInOrder)
 {
     KLatexNodeList rows;

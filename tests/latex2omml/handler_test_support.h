@@ -3,6 +3,7 @@
 // expected-OMML builders: runs and control properties in any look, and the
 // elements the structural tests do not need (matrices, boxes, accents, ...).
 
+#include "latex/latex_parser.h"
 #include "omml_text.h"
 #include "tree_builders.h"
 
@@ -65,6 +66,32 @@ inline QString convertTree(KLatexNodePtr node)
         node = group(std::move(node));
     return xmlOf(converter.convert(*node));
 }
+
+// Parses LaTeX source and converts the tree the same way.
+inline QString convertLatex(const char* source)
+{
+    LatexDiagnostics diagnostics;
+    return convertTree(parseLatex(QString::fromUtf8(source), diagnostics));
+}
+
+// One table row of a LaTeX source test.
+struct SourceCase {
+    const char* source;
+    QString expected;
+};
+
+inline void PrintTo(const SourceCase& c, std::ostream* os)
+{
+    *os << c.source;
+}
+
+class HandlerSources : public ::testing::TestWithParam<SourceCase> {
+protected:
+    void check() const
+    {
+        EXPECT_EQ(convertLatex(GetParam().source), GetParam().expected) << GetParam().source;
+    }
+};
 
 // One table row of a tree test: the tree to convert and the whole OMML text expected.
 struct TreeCase {

@@ -319,6 +319,42 @@ std::vector<TreeCase> moduloCases()
 
 INSTANTIATE_TEST_SUITE_P(Modulo, TextStyleTrees, ::testing::ValuesIn(moduloCases()), caseName);
 
+class TextStyleSources : public HandlerSources {};
+
+TEST_P(TextStyleSources, ConvertToExactOmml)
+{
+    check();
+}
+
+const Look red = coloured("ff0000");
+const QString redCtrl = ctrl(colouredControl("ff0000"));
+
+INSTANTIATE_TEST_SUITE_P(
+    FromLatex, TextStyleSources,
+    ::testing::Values(
+        SourceCase{"\\mathbf{x}", run("x", styled("b"))},
+        SourceCase{"\\boldsymbol{x}", run("x", styled("bi"))},
+        SourceCase{"\\mathbb{R}", run("R", script("double-struck"))},
+        SourceCase{"\\mathbf{\\mathit{x}}", run("x", styled("i"))}, SourceCase{"\\text{if}x", run("ifx")},
+        SourceCase{"\\mathrm{d}x", run("d", styled("p")) + run("x")},
+        SourceCase{"\\mathop{lim} x", func(run("lim", styled("p")), run("x"))},
+        SourceCase{"\\color{red}{x}", run("x", red)}, SourceCase{"\\textcolor{red}{x}", run("x", red)},
+        SourceCase{"\\color{#ff0000}{x}", run("x", red)},
+        SourceCase{"\\color{}{x}", run("x", coloured("000000"))},
+        SourceCase{"\\textcolor{red}{\\frac{a}{b}}c",
+                   frac(run("a", red), run("b", red), QString(), redCtrl) + run("c")},
+        SourceCase{"\\textcolor{red}{\\sqrt{x_1}}",
+                   rad(sSub(run("x", red), run("1", red)), QString(), true, redCtrl)},
+        // Without its second argument the colour command converts to nothing.
+        SourceCase{"\\color{red} x", run("x")}, SourceCase{"\\colorbox{yellow}{x}", run("x")},
+        SourceCase{"\\hspace{1em}", run(u8"\u2003")}, SourceCase{"\\kern{3mu}", run(u8"\u2005")},
+        SourceCase{"\\hspace{-1em}", ""}, SourceCase{"\\kern{abc}", ""},
+        SourceCase{"\\hspace{2cm}", run(u8"\u2003\u2003")}, SourceCase{"\\hspace{0.5 em}", run(u8"\u2002")},
+        SourceCase{"\\kern3mu", run(u8"\u20093mu")},
+        SourceCase{"a \\pmod{n}", run(u8"a\u2005(mod\u2009n)\u2009")},
+        SourceCase{"a\\bmod b", run(u8"a\u2005mod\u2005b")}, SourceCase{"\\fbox{x}", borderBox({}, run("x"))},
+        SourceCase{"\\mbox{x}", boxEl(run("x"))}));
+
 TEST(TextStyle, StyleStackIsBalancedAfterEveryHandler)
 {
     // A style left on the stack would leak into the trailing run.
