@@ -1,5 +1,7 @@
 // The formulaconv command prints the LaTeX of an OMML paragraph.
 
+#include "tests/omml2latex/qstring_printer.h"
+
 #include <QProcess>
 
 #include <gtest/gtest.h>

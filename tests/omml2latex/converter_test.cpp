@@ -1,5 +1,6 @@
 #include "omml2latex/omml_to_latex.h"
 #include "tests/omml2latex/omml_builders.h"
+#include "tests/omml2latex/qstring_printer.h"
 #include "tests/omml2latex/tree_dump.h"
 
 #include <gtest/gtest.h>

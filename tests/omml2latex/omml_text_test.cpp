@@ -2,6 +2,7 @@
 // and writer together, with the writer options the interface uses.
 
 #include "interface/converter_helper.h"
+#include "tests/omml2latex/qstring_printer.h"
 
 #include <gtest/gtest.h>
 

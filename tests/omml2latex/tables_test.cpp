@@ -1,4 +1,5 @@
 #include "omml2latex/tables.h"
+#include "tests/omml2latex/qstring_printer.h"
 
 #include <gtest/gtest.h>
 
