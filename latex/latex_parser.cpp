@@ -54,6 +54,12 @@ bool isPlainMatrix(const QString& name)
 KLatexParser::KLatexParser(const std::vector<Token>& tokens, LatexDiagnostics& diagnostics, int itemLimit)
     : m_tokens(tokens), m_diagnostics(diagnostics), m_itemLimit(itemLimit), m_failedLeft(tokens.size(), false)
 {
+    for (int i = int(tokens.size()) - 1; i >= 0; --i) {
+        if (isCommandToken(tokens[std::size_t(i)], "right")) {
+            m_lastRight = i;
+            break;
+        }
+    }
 }
 
 const Token& KLatexParser::peek() const
@@ -117,7 +123,7 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
     // Records where an item starts and whether it may stand for a fresh parse of its tokens.
     auto beginItem = [&](bool reusable) {
         if (spans)
-            spans->push_back(ItemSpan{m_position, m_position, m_depth, 0, m_guardTrips, false, reusable});
+            spans->push_back(ItemSpan{m_position, m_position, m_depth, 0, m_guardTrips, false, reusable, false});
     };
     auto endItem = [&] {
         if (spans) {
@@ -172,6 +178,13 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
             KLatexNodePtr base;
             int chain = 0;
             if (!items.empty() && lastChain < kMaxScriptChain) {
+                // Scripts that reach back over a skipped token join the item only in a list that
+                // skips that token too.
+                if (spans) {
+                    if (spans->back().end != m_position)
+                        spans->back().reusable = false;
+                    spans->back().extended = true;
+                }
                 base = std::move(items.back());
                 items.pop_back();
                 chain = lastChain;
@@ -190,7 +203,10 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
 
         if (!m_stash.empty()) {
             const auto found = m_stash.find(m_position);
-            if (found != m_stash.end() && found->second.mayStandAt(m_depth)) {
+            // An item that took more scripts after its atom cannot stand for the atom that fills a
+            // list: that list stops before the scripts.
+            if (found != m_stash.end() && found->second.mayStandAt(m_depth) &&
+                !(found->second.span.extended && atoms >= m_itemLimit)) {
                 StashedItem stashed = std::move(found->second);
                 m_stash.erase(found);
                 if (spans) {
@@ -416,8 +432,9 @@ KLatexNodePtr KLatexParser::parseLeftRightGroup()
         report(kError, QStringLiteral("E_missing_right"), missingRight());
         if (std::size_t(leftIndex) < m_failedLeft.size())
             m_failedLeft[std::size_t(leftIndex)] = true;
-        if (peek().kind == TokenKind::EndOfInput && m_openLeftSearches > 0) {
-            // Every enclosing \left body would run to the end of the input again.
+        if (peek().kind == TokenKind::EndOfInput && m_openLeftSearches > 0 && m_lastRight < bodyStart) {
+            // No \right follows, so every enclosing \left body would run to the end of the input
+            // again and fail the same way.
             m_unwinding = true;
         } else {
             m_position = bodyStart;

@@ -64,6 +64,7 @@ private:
         int tripsAtStart = 0;
         bool tripped = false; // the nesting guard cut something inside it
         bool reusable = false;
+        bool extended = false; // scripts after the first pass were attached by the list
     };
     struct StashedItem {
         KLatexNodePtr node;
@@ -102,9 +103,12 @@ private:
     std::vector<bool> m_failedLeft;
     // Number of \left bodies being parsed right now.
     int m_openLeftSearches = 0;
-    // A \left body ran to the end of the input, so every enclosing \left fails as well: they
-    // are unwound without parsing (and without repeating diagnostics) up to the outermost.
+    // A \left body ran to the end of the input with no \right left in it, so every enclosing
+    // \left fails as well: they are unwound without parsing (and without repeating diagnostics)
+    // up to the outermost.
     bool m_unwinding = false;
+    // Token index of the last \right command, or -1.
+    int m_lastRight = -1;
     // Number of times the nesting guard cut a list short.
     int m_guardTrips = 0;
     // Items of \left bodies that found no \right, by the token index they start at.
