@@ -107,8 +107,7 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
     return parseItems(stop, allowInfix, nullptr);
 }
 
-KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfix,
-                                       std::vector<ItemSpan>* spans)
+KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfix, ListRecord* record)
 {
     DepthScope scope(m_depth);
     if (m_depth > kMaxNestingDepth) {
@@ -119,19 +118,36 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
 
     KLatexNodeList items;
     int atoms = 0;
-    int lastChain = 0; // scripts already stacked on the last item
+    int lastChain = 0;         // scripts already stacked on the last item
+    SkippedKinds skippedSince; // tokens skipped since the last item ended
     // Records where an item starts and whether it may stand for a fresh parse of its tokens.
     auto beginItem = [&](bool reusable) {
-        if (spans)
-            spans->push_back(ItemSpan{m_position, m_position, m_depth, 0, m_guardTrips, false, reusable, false});
+        if (record)
+            record->items.push_back(
+                ItemSpan{m_position, m_position, m_depth, 0, m_guardTrips, false, reusable});
     };
     auto endItem = [&] {
-        if (spans) {
-            ItemSpan& span = spans->back();
+        skippedSince = SkippedKinds();
+        if (record) {
+            ItemSpan& span = record->items.back();
             span.end = m_position;
             span.chain = lastChain;
             span.tripped = span.tripped || m_guardTrips != span.tripsAtStart;
             span.tripsAtStart = m_guardTrips;
+        }
+    };
+    auto recordSkip = [&](const ItemSpan& skip) {
+        skippedSince.merge(skip.crossed);
+        if (!record)
+            return;
+        if (!record->skips.empty() && record->skips.back().end == skip.start) {
+            ItemSpan& last = record->skips.back();
+            last.end = skip.end;
+            last.tripped = last.tripped || skip.tripped;
+            last.depth = std::max(last.depth, skip.depth);
+            last.crossed.merge(skip.crossed);
+        } else {
+            record->skips.push_back(skip);
         }
     };
     for (;;) {
@@ -168,8 +184,8 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
                 KLatexArgs args;
                 args.push_back(KLatexArg{false, makeGroup(std::move(items))});
                 args.push_back(KLatexArg{false, std::move(right)});
-                if (spans)
-                    spans->clear();
+                if (record)
+                    *record = ListRecord();
                 return makeCommand(name, std::move(args));
             }
         }
@@ -178,12 +194,11 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
             KLatexNodePtr base;
             int chain = 0;
             if (!items.empty() && lastChain < kMaxScriptChain) {
-                // Scripts that reach back over a skipped token join the item only in a list that
-                // skips that token too.
-                if (spans) {
-                    if (spans->back().end != m_position)
-                        spans->back().reusable = false;
-                    spans->back().extended = true;
+                // Scripts that reach back over skipped tokens join the item in another list only
+                // when that list skips the same tokens.
+                if (record) {
+                    record->items.back().crossed.merge(skippedSince);
+                    record->items.back().extended = true;
                 }
                 base = std::move(items.back());
                 items.pop_back();
@@ -206,15 +221,22 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
             // An item that took more scripts after its atom cannot stand for the atom that fills a
             // list: that list stops before the scripts.
             if (found != m_stash.end() && found->second.mayStandAt(m_depth) &&
+                passesSkipped(stop, found->second.span.crossed) &&
                 !(found->second.span.extended && atoms >= m_itemLimit)) {
                 StashedItem stashed = std::move(found->second);
                 m_stash.erase(found);
-                if (spans) {
-                    spans->push_back(stashed.span);
-                    spans->back().tripsAtStart = m_guardTrips;
-                }
                 m_position = stashed.span.end;
+                if (!stashed.node) {
+                    // The same tokens skipped once more; their diagnostics are already recorded.
+                    recordSkip(stashed.span);
+                    continue;
+                }
+                if (record) {
+                    record->items.push_back(stashed.span);
+                    record->items.back().tripsAtStart = m_guardTrips;
+                }
                 lastChain = stashed.span.chain;
+                skippedSince = SkippedKinds();
                 items.push_back(std::move(stashed.node));
                 if (atoms < m_itemLimit) {
                     ++atoms;
@@ -225,13 +247,26 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
             }
         }
 
+        const int start = m_position;
+        const int tripsBefore = m_guardTrips;
         beginItem(true);
         KLatexNodePtr atom = parseAtom();
         if (!atom) {
-            if (spans)
-                spans->pop_back();
+            if (record)
+                record->items.pop_back();
+            ItemSpan skip{start, 0, m_depth, 0, m_guardTrips, false, true};
+            const int at = m_position;
+            if (at != start)
+                skip.crossed.begin = start;
+            else if (token.kind == TokenKind::RBrace)
+                skip.crossed.rbrace = start;
+            else
+                skip.crossed.ampersand = start;
             report(kError, QStringLiteral("E_unexpected_token"), unexpectedToken());
             advance();
+            skip.end = m_position;
+            skip.tripped = m_guardTrips != tripsBefore;
+            recordSkip(skip);
             continue;
         }
         int chain = 0;
@@ -422,8 +457,9 @@ KLatexNodePtr KLatexParser::parseLeftRightGroup()
         return makeLeftRight(std::move(left), QStringLiteral("."), makeGroup(), true);
 
     ++m_openLeftSearches;
-    std::vector<ItemSpan> spans;
-    KLatexNodePtr body = parseItems([](const Token& t) { return isCommandToken(t, "right"); }, false, &spans);
+    ListRecord record;
+    KLatexNodePtr body =
+        parseItems([](const Token& t) { return isCommandToken(t, "right"); }, false, &record);
     --m_openLeftSearches;
 
     if (!isCommand("right")) {
@@ -441,7 +477,7 @@ KLatexNodePtr KLatexParser::parseLeftRightGroup()
             // The caller parses these tokens again; the items of the dropped body stand in for
             // that parse wherever it meets them, so a chain of failing \left reads its tokens once.
             if (!wasUnwinding)
-                stashItems(std::move(body), spans);
+                stashItems(std::move(body), record);
         }
         return makeLeftRight(std::move(left), QStringLiteral("."), makeGroup(), true);
     }
@@ -456,15 +492,37 @@ bool KLatexParser::StashedItem::mayStandAt(int depth) const
     return depth == span.depth || (depth < span.depth && !span.tripped);
 }
 
-void KLatexParser::stashItems(KLatexNodePtr body, const std::vector<ItemSpan>& spans)
+void KLatexParser::stashItems(KLatexNodePtr body, ListRecord& record)
 {
     auto* group = latexAs<KLatexGroup>(body.get());
-    if (!group || group->children.size() != spans.size())
+    if (!group || group->children.size() != record.items.size())
         return;
-    for (std::size_t i = 0; i < spans.size(); ++i) {
-        if (spans[i].reusable && group->children[i])
-            m_stash[spans[i].start] = StashedItem{std::move(group->children[i]), spans[i]};
+    for (std::size_t i = 0; i < record.items.size(); ++i) {
+        const ItemSpan& span = record.items[i];
+        if (span.reusable && group->children[i])
+            m_stash[span.start] = StashedItem{std::move(group->children[i]), span};
     }
+    for (const ItemSpan& skip : record.skips)
+        m_stash[skip.start] = StashedItem{nullptr, skip};
+}
+
+bool KLatexParser::passesSkipped(const StopPredicate& stop, const SkippedKinds& kinds) const
+{
+    for (const int index : {kinds.rbrace, kinds.ampersand, kinds.begin}) {
+        if (index >= 0 && stop(m_tokens[std::size_t(index)]))
+            return false;
+    }
+    return true;
+}
+
+void KLatexParser::SkippedKinds::merge(const SkippedKinds& other)
+{
+    if (rbrace < 0)
+        rbrace = other.rbrace;
+    if (ampersand < 0)
+        ampersand = other.ampersand;
+    if (begin < 0)
+        begin = other.begin;
 }
 
 KLatexNodePtr parseLatex(QStringView source, LatexDiagnostics& diagnostics, int itemLimit)

@@ -54,8 +54,18 @@ public:
     const LatexDiagnostics& diagnostics() const { return m_diagnostics; }
 
 private:
-    // Where one item of an expression list came from, so that it can stand in for a second
-    // parse of the same tokens.
+    // Representative tokens of what a list skipped with "E_unexpected_token" (token indices, -1 for
+    // none). Stop predicates look at the kind of a brace or an ampersand only, so one token of each
+    // kind tells whether another list would have stopped there instead.
+    struct SkippedKinds {
+        int rbrace = -1;
+        int ampersand = -1;
+        int begin = -1; // an environment without a name, dropped with the token after it
+        void merge(const SkippedKinds& other);
+    };
+
+    // Where one item (or one run of skipped tokens) of an expression list came from, so that it
+    // can stand in for a second parse of the same tokens.
     struct ItemSpan {
         int start = 0; // token index of its first token
         int end = 0;   // token index after its last token
@@ -65,15 +75,21 @@ private:
         bool tripped = false; // the nesting guard cut something inside it
         bool reusable = false;
         bool extended = false; // scripts after the first pass were attached by the list
+        SkippedKinds crossed;  // skipped tokens inside the span
+    };
+    struct ListRecord {
+        std::vector<ItemSpan> items; // one per item of the list, in order
+        std::vector<ItemSpan> skips; // runs of skipped tokens
     };
     struct StashedItem {
-        KLatexNodePtr node;
+        KLatexNodePtr node; // null for a run of skipped tokens
         ItemSpan span;
         bool mayStandAt(int depth) const;
     };
 
-    KLatexNodePtr parseItems(const StopPredicate& stop, bool allowInfix, std::vector<ItemSpan>* spans);
-    void stashItems(KLatexNodePtr body, const std::vector<ItemSpan>& spans);
+    KLatexNodePtr parseItems(const StopPredicate& stop, bool allowInfix, ListRecord* record);
+    void stashItems(KLatexNodePtr body, ListRecord& record);
+    bool passesSkipped(const StopPredicate& stop, const SkippedKinds& kinds) const;
 
     const Token& peek() const;
     const Token& advance();

@@ -180,6 +180,18 @@ TEST(ItemLimit, ReusedItemsKeepTheirScriptsAndCount)
                              "2 E_unexpected_token 18+1 Unexpected token while parsing expression."));
 }
 
+TEST(NestingGuard, SkippedTokensAreNotSkippedAgainPerEnclosingLeft)
+{
+    // Each \left body stops at the item limit, so each enclosing one parses the same tokens again.
+    const QString source = repeated("\\left(", 100) + repeated("}}}}}}}}}} a ", 1100);
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(source, diagnostics);
+    EXPECT_EQ(countCode(diagnostics, "E_missing_right"), 100);
+    // Ten skipped braces per atom, reported once each: no multiplication by the nesting.
+    EXPECT_LE(countCode(diagnostics, "E_unexpected_token"), 11000);
+    EXPECT_GE(countCode(diagnostics, "E_unexpected_token"), 10240);
+}
+
 TEST(ItemLimit, DocumentKeepsFirst1025Atoms)
 {
     const QString letters = repeated("a", 1100);
