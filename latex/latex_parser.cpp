@@ -98,8 +98,15 @@ KLatexNodePtr KLatexParser::parseDocument()
 
 KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allowInfix)
 {
+    return parseItems(stop, allowInfix, nullptr);
+}
+
+KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfix,
+                                       std::vector<ItemSpan>* spans)
+{
     DepthScope scope(m_depth);
     if (m_depth > kMaxNestingDepth) {
+        ++m_guardTrips;
         report(kFatal, QStringLiteral("F_nesting_overflow"), nestingOverflow());
         return makeGroup();
     }
@@ -107,6 +114,20 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
     KLatexNodeList items;
     int atoms = 0;
     int lastChain = 0; // scripts already stacked on the last item
+    // Records where an item starts and whether it may stand for a fresh parse of its tokens.
+    auto beginItem = [&](bool reusable) {
+        if (spans)
+            spans->push_back(ItemSpan{m_position, m_position, m_depth, 0, m_guardTrips, false, reusable});
+    };
+    auto endItem = [&] {
+        if (spans) {
+            ItemSpan& span = spans->back();
+            span.end = m_position;
+            span.chain = lastChain;
+            span.tripped = span.tripped || m_guardTrips != span.tripsAtStart;
+            span.tripsAtStart = m_guardTrips;
+        }
+    };
     for (;;) {
         const Token& token = peek();
         if (token.kind == TokenKind::EndOfInput || stop(token))
@@ -114,6 +135,7 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
 
         if (allowInfix && token.kind == TokenKind::Command) {
             if (token.text == QLatin1String("buildrel")) {
+                beginItem(false);
                 advance();
                 KLatexNodePtr above = parseExprUntil(
                     [](const Token& t) { return isCommandToken(t, "over") || t.kind == TokenKind::RBrace; },
@@ -131,6 +153,7 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
                     items.push_back(makeCommand(QStringLiteral("overset"), std::move(args)));
                 }
                 lastChain = 0;
+                endItem();
                 continue;
             }
             if (isInfixFraction(token.text)) {
@@ -139,6 +162,8 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
                 KLatexArgs args;
                 args.push_back(KLatexArg{false, makeGroup(std::move(items))});
                 args.push_back(KLatexArg{false, std::move(right)});
+                if (spans)
+                    spans->clear();
                 return makeCommand(name, std::move(args));
             }
         }
@@ -154,14 +179,41 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
                 if (!items.empty())
                     report(kFatal, QStringLiteral("F_nesting_overflow"), nestingOverflow());
                 base = makeGroup();
+                // What a leading script attaches to depends on the list it stands in.
+                beginItem(false);
             }
             items.push_back(parseScripts(std::move(base), chain));
             lastChain = chain;
+            endItem();
             continue;
         }
 
+        if (!m_stash.empty()) {
+            const auto found = m_stash.find(m_position);
+            if (found != m_stash.end() && found->second.mayStandAt(m_depth)) {
+                StashedItem stashed = std::move(found->second);
+                m_stash.erase(found);
+                if (spans) {
+                    spans->push_back(stashed.span);
+                    spans->back().tripsAtStart = m_guardTrips;
+                }
+                m_position = stashed.span.end;
+                lastChain = stashed.span.chain;
+                items.push_back(std::move(stashed.node));
+                if (atoms < m_itemLimit) {
+                    ++atoms;
+                    continue;
+                }
+                report(kFatal, QStringLiteral("F_nesting_overflow"), nestingOverflow());
+                break;
+            }
+        }
+
+        beginItem(true);
         KLatexNodePtr atom = parseAtom();
         if (!atom) {
+            if (spans)
+                spans->pop_back();
             report(kError, QStringLiteral("E_unexpected_token"), unexpectedToken());
             advance();
             continue;
@@ -169,6 +221,7 @@ KLatexNodePtr KLatexParser::parseExprUntil(const StopPredicate& stop, bool allow
         int chain = 0;
         items.push_back(parseScripts(std::move(atom), chain));
         lastChain = chain;
+        endItem();
         if (atoms < m_itemLimit) {
             ++atoms;
         } else {
@@ -353,10 +406,12 @@ KLatexNodePtr KLatexParser::parseLeftRightGroup()
         return makeLeftRight(std::move(left), QStringLiteral("."), makeGroup(), true);
 
     ++m_openLeftSearches;
-    KLatexNodePtr body = parseExprUntil([](const Token& t) { return isCommandToken(t, "right"); }, false);
+    std::vector<ItemSpan> spans;
+    KLatexNodePtr body = parseItems([](const Token& t) { return isCommandToken(t, "right"); }, false, &spans);
     --m_openLeftSearches;
 
     if (!isCommand("right")) {
+        const bool wasUnwinding = m_unwinding;
         m_unwinding = false;
         report(kError, QStringLiteral("E_missing_right"), missingRight());
         if (std::size_t(leftIndex) < m_failedLeft.size())
@@ -366,12 +421,33 @@ KLatexNodePtr KLatexParser::parseLeftRightGroup()
             m_unwinding = true;
         } else {
             m_position = bodyStart;
+            // The caller parses these tokens again; the items of the dropped body stand in for
+            // that parse wherever it meets them, so a chain of failing \left reads its tokens once.
+            if (!wasUnwinding)
+                stashItems(std::move(body), spans);
         }
         return makeLeftRight(std::move(left), QStringLiteral("."), makeGroup(), true);
     }
     advance();
     QString right = readDelimiter(DelimiterSide::Right, true);
     return makeLeftRight(std::move(left), std::move(right), std::move(body), true);
+}
+
+bool KLatexParser::StashedItem::mayStandAt(int depth) const
+{
+    // A parse cut short by the nesting guard is only what a parse at the same depth gives.
+    return depth == span.depth || (depth < span.depth && !span.tripped);
+}
+
+void KLatexParser::stashItems(KLatexNodePtr body, const std::vector<ItemSpan>& spans)
+{
+    auto* group = latexAs<KLatexGroup>(body.get());
+    if (!group || group->children.size() != spans.size())
+        return;
+    for (std::size_t i = 0; i < spans.size(); ++i) {
+        if (spans[i].reusable && group->children[i])
+            m_stash[spans[i].start] = StashedItem{std::move(group->children[i]), spans[i]};
+    }
 }
 
 KLatexNodePtr parseLatex(QStringView source, LatexDiagnostics& diagnostics, int itemLimit)

@@ -9,6 +9,7 @@
 #include <QStringView>
 
 #include <functional>
+#include <unordered_map>
 #include <vector>
 
 class KLatexParser {
@@ -53,6 +54,26 @@ public:
     const LatexDiagnostics& diagnostics() const { return m_diagnostics; }
 
 private:
+    // Where one item of an expression list came from, so that it can stand in for a second
+    // parse of the same tokens.
+    struct ItemSpan {
+        int start = 0; // token index of its first token
+        int end = 0;   // token index after its last token
+        int depth = 0; // nesting depth of the list it was parsed in
+        int chain = 0; // scripts stacked on it
+        int tripsAtStart = 0;
+        bool tripped = false; // the nesting guard cut something inside it
+        bool reusable = false;
+    };
+    struct StashedItem {
+        KLatexNodePtr node;
+        ItemSpan span;
+        bool mayStandAt(int depth) const;
+    };
+
+    KLatexNodePtr parseItems(const StopPredicate& stop, bool allowInfix, std::vector<ItemSpan>* spans);
+    void stashItems(KLatexNodePtr body, const std::vector<ItemSpan>& spans);
+
     const Token& peek() const;
     const Token& advance();
     bool isCommand(const char* name) const;
@@ -76,12 +97,18 @@ private:
 
     int m_depth = 0;
     // \left tokens (by index) whose search for \right failed; met again, they are not searched again.
+    // A failure is remembered whatever cut the search short, the nesting guard included, so that
+    // no chain of \left can make the parser search the same tokens over and over.
     std::vector<bool> m_failedLeft;
     // Number of \left bodies being parsed right now.
     int m_openLeftSearches = 0;
     // A \left body ran to the end of the input, so every enclosing \left fails as well: they
     // are unwound without parsing (and without repeating diagnostics) up to the outermost.
     bool m_unwinding = false;
+    // Number of times the nesting guard cut a list short.
+    int m_guardTrips = 0;
+    // Items of \left bodies that found no \right, by the token index they start at.
+    std::unordered_map<int, StashedItem> m_stash;
 };
 
 // Lexes and parses LaTeX source. The lexer's warnings come first in diagnostics,

@@ -105,3 +105,96 @@ TEST(Cli, HelpAndVersion)
 }
 
 } // namespace
+
+namespace {
+
+TEST(CliAst, PrintsTheIndentedTree)
+{
+    const CliResult r = runCli({"ast", "\\sqrt[3]{x}^2"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "Group\n"
+                     "  Script\n"
+                     "    base\n"
+                     "      Command \"sqrt\"\n"
+                     "        optarg\n"
+                     "          Group\n"
+                     "            Text \"3\"\n"
+                     "        arg\n"
+                     "          Group\n"
+                     "            Text \"x\"\n"
+                     "    sup\n"
+                     "      Text \"2\"\n");
+    EXPECT_TRUE(r.err.isEmpty());
+}
+
+TEST(CliAst, EveryKindAndEscapedStrings)
+{
+    const CliResult r =
+        runCli({"ast", "--", "\\left\\langle \\begin{matrix}a\\end{matrix}\\foo{\"}\\right. \\\\"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "Group\n"
+                     "  LeftRight \"\\\\langle\" \".\" left-right\n"
+                     "    Group\n"
+                     "      Env \"matrix\"\n"
+                     "        body\n"
+                     "          Row\n"
+                     "            Group\n"
+                     "              Text \"a\"\n"
+                     "      Unknown \"foo\"\n"
+                     "        arg\n"
+                     "          Group\n"
+                     "            Text \"\\\"\"\n"
+                     "  Command \"\\\\\\\\\"\n");
+}
+
+TEST(CliAst, EmptyAndMalformedInputFromStdin)
+{
+    EXPECT_EQ(runCli({"ast"}, "").out, "Group\n");
+    const CliResult r = runCli({"ast"}, "{\\frac}\t\n}");
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "Group\n  Group\n    Command \"frac\"\n");
+}
+
+TEST(CliLint, OneLinePerDiagnosticWithLineAndColumn)
+{
+    const CliResult r = runCli({"lint", "a\n\\left( x\n\xF0\x9D\x91\xA5}"});
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.out, "3:3: error: Unexpected token while parsing expression. [E_unexpected_token]\n"
+                     "3:4: error: Missing \\right. [E_missing_right]\n"
+                     "3:3: error: Unexpected token while parsing expression. [E_unexpected_token]\n");
+}
+
+TEST(CliLint, SeverityWords)
+{
+    const CliResult r = runCli({"lint", "\\left1\\right)" + QString(1100, QLatin1Char('a')) + "\\"});
+    EXPECT_EQ(r.exitCode, 1);
+    const QList<QByteArray> lines = r.out.split('\n');
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_EQ(lines[0], "1:1114: warning: Trailing backslash at end of input [W_backslash_eof]");
+    EXPECT_EQ(lines[1], "1:6: warning: \\left expects a delimiter; got '1'. Using '.'. [W_left_delim]");
+    EXPECT_EQ(lines[2], "1:1038: fatal: Maximum nesting depth exceeded. [F_nesting_overflow]");
+}
+
+TEST(CliLint, JsonLines)
+{
+    const CliResult r = runCli({"lint", "--json", "{\\frac a"});
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.out, "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_arg1_missing\","
+                     "\"message\":\"\\\\frac missing first argument.\"}\n"
+                     "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_arg2_missing\","
+                     "\"message\":\"\\\\frac missing second argument.\"}\n"
+                     "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_missing_rbrace\",\"message\":"
+                     "\"Missing '}'.\"}\n");
+}
+
+TEST(CliLint, CleanInputExitsZeroSilently)
+{
+    for (const char* text : {"", "\\frac{a}{b}", "x^2"}) {
+        const CliResult r = runCli({"lint", text});
+        EXPECT_EQ(r.exitCode, 0) << text;
+        EXPECT_TRUE(r.out.isEmpty()) << text;
+        EXPECT_TRUE(runCli({"lint", "--json", text}).out.isEmpty()) << text;
+    }
+}
+
+} // namespace

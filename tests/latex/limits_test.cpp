@@ -143,6 +143,43 @@ TEST(NestingGuard, UnclosedLeftInsideGroupsStaysLinear)
     EXPECT_LE(diagnostics.size(), std::size_t(8 * 2000));
 }
 
+// A \left body cut short by the item limit fails; the enclosing list parses the same tokens again and
+// must build what a fresh parse builds, whether or not the dropped items are reused.
+TEST(ItemLimit, FailedLeftBodiesAreParsedAgainByTheEnclosingList)
+{
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(QStringLiteral("\\left( \\left[ a^x b c d"), diagnostics, 2);
+    EXPECT_EQ(dumpLatexTree(root.get()),
+              QStringLiteral("Group\n  LeftRight \"(\" \".\" left-right\n    Group\n  LeftRight \"[\" \".\" "
+                             "left-right\n    Group\n"
+                             "  Script\n    base\n      Text \"a\"\n    sup\n      Text \"x\"\n"));
+    EXPECT_EQ(diagnosticsText(diagnostics),
+              QStringLiteral("3 F_nesting_overflow 22+1 Maximum nesting depth exceeded.\n"
+                             "2 E_missing_right 22+1 Missing \\right.\n"
+                             "3 F_nesting_overflow 20+1 Maximum nesting depth exceeded.\n"
+                             "2 E_missing_right 20+1 Missing \\right.\n"
+                             "3 F_nesting_overflow 18+1 Maximum nesting depth exceeded."));
+}
+
+TEST(ItemLimit, ReusedItemsKeepTheirScriptsAndCount)
+{
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(QStringLiteral("{\\left( a_1 b^^2 c} d"), diagnostics, 3);
+    EXPECT_EQ(
+        dumpLatexTree(root.get()),
+        QStringLiteral(
+            "Group\n  Group\n    LeftRight \"(\" \".\" left-right\n      Group\n    Script\n      base\n"
+            "        Text \"a\"\n      sub\n        Text \"1\"\n    Script\n      base\n        Text \"b\"\n"
+            "      sup\n        Group\n    Text \"2\"\n  Text \"c\"\n  Text \"d\"\n"));
+    EXPECT_EQ(diagnosticsText(diagnostics),
+              QStringLiteral("2 E_missing_script_arg 14+1 Missing superscript/subscript argument.\n"
+                             "3 F_nesting_overflow 18+1 Maximum nesting depth exceeded.\n"
+                             "2 E_missing_right 18+1 Missing \\right.\n"
+                             "3 F_nesting_overflow 17+1 Maximum nesting depth exceeded.\n"
+                             "2 E_missing_rbrace 15+1 Missing '}'.\n"
+                             "2 E_unexpected_token 18+1 Unexpected token while parsing expression."));
+}
+
 TEST(ItemLimit, DocumentKeepsFirst1025Atoms)
 {
     const QString letters = repeated("a", 1100);
