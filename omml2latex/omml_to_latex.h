@@ -15,8 +15,9 @@ KLatexNodePtr runTextToLatex(const QString& text);
 class KOmmlToLatexConverter {
 public:
     // Past this nesting depth a subtree converts to nothing, so hostile input
-    // cannot exhaust the stack. Real formulas stay far below it.
-    static constexpr int kMaxDepth = 500;
+    // cannot exhaust the stack. Real formulas stay far below it, and so does
+    // anything the XML reader accepts (two elements per nesting level).
+    static constexpr int kMaxDepth = 600;
 
     // One model node; null for a null node and for elements that convert to nothing.
     KLatexNodePtr convert(const KOmmlNode* node);

@@ -2,6 +2,7 @@
 // and writer together, with the writer options the interface uses.
 
 #include "interface/converter_helper.h"
+#include "omml/omml_reader.h"
 #include "tests/omml2latex/qstring_printer.h"
 
 #include <gtest/gtest.h>
@@ -279,33 +280,30 @@ TEST(OmmlTextToLatex, ReadsWordProcessorMarkup)
     EXPECT_EQ(toLatex(xml), "\\textit{x^2}\\mathrm{+}1");
 }
 
+QString nestedPhantoms(int depth)
+{
+    return para(QStringLiteral("<m:phant><m:e>").repeated(depth) + r("x") +
+                QStringLiteral("</m:e></m:phant>").repeated(depth));
+}
+
 TEST(OmmlTextToLatex, HostileNestingGivesAResultOrNothing)
 {
     // 100,000 nested phantoms: the reader may refuse, the converter and the
     // writer cut at their own limits; nothing may crash.
-    QString xml = kOpen;
-    const int depth = 100000;
-    for (int i = 0; i < depth; ++i)
-        xml += QStringLiteral("<m:phant><m:e>");
-    xml += r("x");
-    for (int i = 0; i < depth; ++i)
-        xml += QStringLiteral("</m:e></m:phant>");
-    xml += kClose;
-    const QString latex = toLatex(xml);
+    const QString latex = toLatex(nestedPhantoms(100000));
     EXPECT_TRUE(latex.isEmpty() || latex.startsWith("\\phantom{")) << latex.left(40).toStdString();
 }
 
 TEST(OmmlTextToLatex, NestingWithinTheLimitsConvertsWhole)
 {
-    QString xml = kOpen;
-    const int depth = 100;
-    for (int i = 0; i < depth; ++i)
-        xml += QStringLiteral("<m:phant><m:e>");
-    xml += r("x");
-    for (int i = 0; i < depth; ++i)
-        xml += QStringLiteral("</m:e></m:phant>");
-    xml += kClose;
-    EXPECT_EQ(toLatex(xml), QString("\\phantom{").repeated(depth) + "x" + QString("}").repeated(depth));
+    // The deepest phantom chain the reader accepts (paragraph, equation, two
+    // elements per phantom, run and text): the converter must not cut earlier.
+    const int deepest = (kMaxOmmlReadDepth - 4) / 2;
+    for (const int depth : {100, deepest}) {
+        EXPECT_EQ(toLatex(nestedPhantoms(depth)),
+                  QString("\\phantom{").repeated(depth) + "x" + QString("}").repeated(depth))
+            << depth;
+    }
 }
 
 TEST(OmmlTextToLatex, MegabytesOfRunText)
