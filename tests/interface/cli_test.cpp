@@ -160,8 +160,7 @@ TEST(CliLint, OneLinePerDiagnosticWithLineAndColumn)
     const CliResult r = runCli({"lint", "a\n\\left( x\n\xF0\x9D\x91\xA5}"});
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_EQ(r.out, "3:3: error: Unexpected token while parsing expression. [E_unexpected_token]\n"
-                     "3:4: error: Missing \\right. [E_missing_right]\n"
-                     "3:3: error: Unexpected token while parsing expression. [E_unexpected_token]\n");
+                     "3:4: error: Missing \\right. [E_missing_right]\n");
 }
 
 TEST(CliLint, SeverityWords)
