@@ -192,6 +192,16 @@ TEST(NestingGuard, SkippedTokensAreNotSkippedAgainPerEnclosingLeft)
     EXPECT_GE(countCode(diagnostics, "E_unexpected_token"), 10240);
 }
 
+TEST(ItemLimit, AnAtomThatFillsTheListTakesNoLaterScripts)
+{
+    // In the \left body "a" takes "_" and then "^b"; filling the document list, it stops after "_".
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(QStringLiteral("\\left( a _ _ ^ b c"), diagnostics, 1);
+    EXPECT_EQ(dumpLatexTree(root.get()),
+              QStringLiteral("Group\n  LeftRight \"(\" \".\" left-right\n    Group\n  Script\n"
+                             "    base\n      Text \"a\"\n    sub\n      Group\n"));
+}
+
 TEST(ItemLimit, DocumentKeepsFirst1025Atoms)
 {
     const QString letters = repeated("a", 1100);

@@ -234,4 +234,35 @@ const ParseCase kLeftRight[] = {
 };
 INSTANTIATE_TEST_SUITE_P(LeftRight, ParserBuilds, ::testing::ValuesIn(kLeftRight));
 
+// Tokens parsed again after a failed \left meet the items of the dropped body; where the other list
+// would parse them differently (a brace that ends it, a leading script) they are parsed afresh.
+const ParseCase kLeftRightReparse[] = {
+    {"^ \\frac { a \\left. b } _ a \\begin{foo} a a",
+     "Group\n  Script\n    base\n      Group\n    sup\n      Command \"frac\"\n        arg\n          "
+     "Group\n            Text \"a\"\n            LeftRight \".\" \".\" left-right\n              Group\n     "
+     "       Text \"b\"\n    sub\n      Text \"a\"\n  Env \"foo\"\n    body\n      Group\n        Text "
+     "\"a\"\n        Text \"a\"\n",
+     "2 E_unexpected_token 21+1 Unexpected token while parsing expression.\n2 E_missing_end 42+0 Missing "
+     "\\end{foo}.\n2 E_missing_right 42+0 Missing \\right.\n2 E_arg2_missing 23+1 \\frac missing second "
+     "argument."},
+    {"{ a a _ \\right) \\right) _ b a \\left( a ^ } _",
+     "Group\n  Script\n    base\n      Group\n        Text \"a\"\n        Script\n          base\n           "
+     " Text \"a\"\n          sub\n            LeftRight \".\" \")\" left-right\n              Group\n        "
+     "Script\n          base\n            LeftRight \".\" \")\" left-right\n              Group\n          "
+     "sub\n            Text \"b\"\n        Text \"a\"\n        LeftRight \"(\" \".\" left-right\n          "
+     "Group\n        Script\n          base\n            Text \"a\"\n          sup\n            Group\n    "
+     "sub\n      Group\n",
+     "2 E_missing_script_arg 41+1 Missing superscript/subscript argument.\n2 E_unexpected_token 41+1 "
+     "Unexpected token while parsing expression.\n2 E_missing_script_arg 44+0 Missing superscript/subscript "
+     "argument.\n2 E_missing_right 44+0 Missing \\right.\n2 E_missing_script_arg 41+1 Missing "
+     "superscript/subscript argument.\n2 E_missing_script_arg 44+0 Missing superscript/subscript argument."},
+    {"\\left( a _ \\left[ _ \\right) ] c } \\left[ \\right) }",
+     "Group\n  LeftRight \"(\" \")\" left-right\n    Group\n      Script\n        base\n          Text "
+     "\"a\"\n        sub\n          LeftRight \"[\" \".\" left-right\n            Group\n  Text \"]\"\n  "
+     "Text \"c\"\n  LeftRight \"[\" \")\" left-right\n    Group\n",
+     "2 E_unexpected_token 32+1 Unexpected token while parsing expression.\n2 E_unexpected_token 49+1 "
+     "Unexpected token while parsing expression.\n2 E_missing_right 50+0 Missing \\right."},
+};
+INSTANTIATE_TEST_SUITE_P(LeftRightReparse, ParserBuilds, ::testing::ValuesIn(kLeftRightReparse));
+
 } // namespace
