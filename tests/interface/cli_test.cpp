@@ -24,13 +24,14 @@ CliResult runCli(const QStringList& args, const QByteArray& stdinText = {})
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-TEST(Cli, WrapOfEmptyTextPrintsTheEmptyDocument)
+TEST(Cli, WrapPrintsTheDocumentAndDoubleDashAllowsALeadingDash)
 {
     const CliResult r = runCli({"wrap", ""});
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_EQ(r.out.size(), 1594 + 1);
     EXPECT_TRUE(r.out.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>"));
     EXPECT_TRUE(r.out.endsWith("<w:p></w:p></wx:sect></w:body></w:wordDocument>\n"));
+    EXPECT_TRUE(runCli({"wrap", "--", "-x"}).out.contains("<w:p>-x</w:p>"));
 }
 
 TEST(Cli, InputFromArgumentStdinDashAndFile)
@@ -40,7 +41,6 @@ TEST(Cli, InputFromArgumentStdinDashAndFile)
     EXPECT_EQ(runCli({"extract", QString::fromUtf8(text)}).out, expected);
     EXPECT_EQ(runCli({"extract"}, text).out, expected);
     EXPECT_EQ(runCli({"extract", "-"}, text).out, expected);
-
     QTemporaryFile file;
     ASSERT_TRUE(file.open());
     file.write(text);
@@ -50,11 +50,17 @@ TEST(Cli, InputFromArgumentStdinDashAndFile)
     EXPECT_EQ(r.out, expected);
 }
 
-TEST(Cli, DoubleDashAllowsTextStartingWithDash)
+TEST(Cli, OmmlToLatexPrintsOneLine)
 {
-    const CliResult r = runCli({"wrap", "--", "-x"});
-    EXPECT_EQ(r.exitCode, 0);
-    EXPECT_TRUE(r.out.contains("<w:p>-x</w:p>"));
+    const QByteArray omml =
+        "<m:oMathPara xmlns:m=\"http://schemas.openxmlformats.org/officeDocument/2006/math\"><m:oMath>"
+        "<m:f><m:num><m:r><m:t>\xCE\xB1</m:t></m:r></m:num><m:den><m:r><m:t>2</m:t></m:r></m:den></m:f>"
+        "</m:oMath></m:oMathPara>";
+    for (const CliResult& r :
+         {runCli({"omml2latex", QString::fromUtf8(omml)}), runCli({"omml2latex"}, omml)}) {
+        EXPECT_EQ(r.exitCode, 0);
+        EXPECT_EQ(r.out, "\\frac{\xCE\xB1}{2}\n");
+    }
 }
 
 TEST(Cli, EmptyResultExitsOneWithAReason)
@@ -64,12 +70,15 @@ TEST(Cli, EmptyResultExitsOneWithAReason)
     EXPECT_TRUE(r.out.isEmpty());
     EXPECT_EQ(r.err.count('\n'), 1);
     EXPECT_TRUE(r.err.startsWith("formulaconv: extract:"));
-
     for (const char* op : {"latex2omml", "omml2latex", "latex2svg", "omml2svg"}) {
         const CliResult e = runCli({op, ""});
         EXPECT_EQ(e.exitCode, 1) << op;
         EXPECT_TRUE(e.out.isEmpty()) << op;
     }
+    // An equation outside a paragraph converts to nothing.
+    const CliResult e = runCli({"omml2latex", "<m:oMath><m:r><m:t>x</m:t></m:r></m:oMath>"});
+    EXPECT_EQ(e.exitCode, 1);
+    EXPECT_TRUE(e.out.isEmpty());
 }
 
 TEST(Cli, UsageErrorsExitTwo)
@@ -91,14 +100,11 @@ TEST(Cli, UsageErrorsExitTwo)
 
 TEST(Cli, HelpAndVersion)
 {
-    for (const char* flag : {"--help", "-h"}) {
-        const CliResult r = runCli({flag});
+    for (const QStringList& args : {QStringList{"--help"}, {"-h"}, {"latex2omml", "--help"}}) {
+        const CliResult r = runCli(args);
         EXPECT_EQ(r.exitCode, 0);
-        EXPECT_TRUE(r.out.startsWith("usage: formulaconv OP"));
+        EXPECT_TRUE(r.out.startsWith(args.size() == 1 ? "usage: formulaconv OP" : "usage:"));
     }
-    const CliResult op = runCli({"latex2omml", "--help"});
-    EXPECT_EQ(op.exitCode, 0);
-    EXPECT_TRUE(op.out.startsWith("usage:"));
     const CliResult version = runCli({"--version"});
     EXPECT_EQ(version.exitCode, 0);
     EXPECT_TRUE(version.out.startsWith("formulaconv "));

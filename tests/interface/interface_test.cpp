@@ -37,24 +37,13 @@ const char kExpectedSuffix[] = "</w:p></wx:sect></w:body></w:wordDocument>";
 
 const KFormulaConverterHelper kHelper;
 
-TEST(WordDocument, EmptyFragmentGivesExactPrefixAndSuffix)
+TEST(WordDocument, EmbedsTheFragmentUnchanged)
 {
-    const QString document = kHelper.wrapInWordDocument(QString());
     EXPECT_EQ(QString(kExpectedPrefix).size(), 1552);
-    EXPECT_EQ(QString(kExpectedSuffix).size(), 42);
-    EXPECT_EQ(document, QString(kExpectedPrefix) + kExpectedSuffix);
-}
-
-TEST(WordDocument, FragmentIsEmbeddedUnchanged)
-{
-    const QString fragments[] = {QStringLiteral("<m:oMathPara/>"), QStringLiteral("a < b & \"c\""),
-                                 QString::fromUtf8("\xF0\x9D\x94\xB8 \xC3\xA9")};
-    for (const QString& fragment : fragments) {
-        const QString document = kHelper.wrapInWordDocument(fragment);
-        EXPECT_EQ(document.size(), fragment.size() + 1594);
-        EXPECT_EQ(document.mid(1552, fragment.size()), fragment);
-        EXPECT_TRUE(document.endsWith(kExpectedSuffix));
-    }
+    EXPECT_EQ(kHelper.wrapInWordDocument(QString()), QString(kExpectedPrefix) + kExpectedSuffix);
+    for (const QString& fragment : {QStringLiteral("<m:oMathPara/>"), QStringLiteral("a < b & \"c\""),
+                                    QString::fromUtf8("\xF0\x9D\x94\xB8 \xC3\xA9")})
+        EXPECT_EQ(kHelper.wrapInWordDocument(fragment), kExpectedPrefix + fragment + kExpectedSuffix);
 }
 
 TEST(ExtractMathParagraph, Cases)
