@@ -18,17 +18,13 @@ const QString kNamespace = QStringLiteral("http://schemas.openxmlformats.org/off
 
 QString paragraph(const QString& equation)
 {
-    const QString equationXml = equation.isEmpty()
-                                    ? "<m:oMath xmlns:m=\"" + kNamespace + "\"/>"
-                                    : "<m:oMath xmlns:m=\"" + kNamespace + "\">" + equation + "</m:oMath>";
-    return "<m:oMathPara xmlns:m=\"" + kNamespace +
-           "\"><m:oMathParaPr><m:jc m:val=\"centerGroup\"/></m:oMathParaPr>" + equationXml + "</m:oMathPara>";
+    const QString ns = "xmlns:m=\"" + kNamespace + "\"";
+    return "<m:oMathPara " + ns + "><m:oMathParaPr><m:jc m:val=\"centerGroup\"/></m:oMathParaPr>" +
+           (equation.isEmpty() ? "<m:oMath " + ns + "/>" : "<m:oMath " + ns + ">" + equation + "</m:oMath>") +
+           "</m:oMathPara>";
 }
 
-QString latexToOmml(const QString& latex)
-{
-    return kHelper.latexToOmml(latex);
-}
+const auto latexToOmml = [](const QString& latex) { return kHelper.latexToOmml(latex); };
 
 // Compared as standard strings so that a failure prints readable XML.
 #define EXPECT_SAME_XML(actual, expected) EXPECT_EQ((actual).toStdString(), (expected).toStdString())
