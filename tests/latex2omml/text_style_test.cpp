@@ -45,7 +45,7 @@ TEST(TextStyle, AlphabetAliases)
     for (const auto& [alias, name] : aliases)
         EXPECT_EQ(convertTree(command(alias, braced("x"))), convertTree(command(name, braced("x")))) << alias;
     // A handler without its argument leaves the style stack as it found it.
-    for (const char* name : {"mathbf", "textit", "mathop", "color", "fbox", "pmod"})
+    for (const char* name : {"mathbf", "textit", "mathop", "color", "fbox", "pmod", "pod", "mod"})
         EXPECT_EQ(convertTree(group(command(name), text("z"))), r("z")) << name;
 }
 
