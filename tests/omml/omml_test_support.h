@@ -87,12 +87,13 @@ inline std::vector<KindCase> kindCases()
     };
     add(OMathParagraph{makeOmmlNode(OMathEquation{one("a")}), OJustification::right},
         paragraphXml("right", equationXml(a)));
-    add(ORun{"x",
-             {OScript::doubleStruck, OStyle::boldItalic},
-             {"Symbol", "", {}, true, true, QColor(255, 0, 10)}},
+    ORun r{
+        "x \U0001D400<&>", {OScript::doubleStruck, OStyle::boldItalic}, {"Symbol", "", {}, true, true, {}}};
+    r.wordProps.color = QColor(255, 0, 10);
+    add(std::move(r),
         "<m:r><m:rPr><m:scr m:val=\"double-struck\"/><m:sty m:val=\"bi\"/></m:rPr><w:rPr><w:rFonts "
-        "w:ascii=\"Symbol\" "
-        "w:hint=\"default\"/><w:i/><w:b/><w:color w:val=\"ff000a\"/></w:rPr><m:t>x</m:t></m:r>");
+        "w:ascii=\"Symbol\" w:hint=\"default\"/><w:i/><w:b/><w:color w:val=\"ff000a\"/></w:rPr>"
+        "<m:t>x \U0001D400&lt;&amp;&gt;</m:t></m:r>");
     add(ORun{"", {}, {"", "", {}, false, false, {}}},
         "<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr><w:rFonts "
         "w:hint=\"default\"/></w:rPr><m:t></m:t></m:r>");
