@@ -1,5 +1,7 @@
 #include "omml_test_support.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -7,20 +9,11 @@
 namespace {
 
 // The writer prints every field the model keeps, so its text serves as a dump.
-QString dump(const KOmmlNodePtr& node)
-{
+const auto readDump = [](const QString& xml) {
+    const KOmmlNodePtr node = readOmmlDocument(xml);
     return node ? ommlNodeToXml(*node) : QStringLiteral("<null>");
-}
-
-QString readDump(const QString& xml)
-{
-    return dump(readOmmlDocument(xml));
-}
-
-QString bareRun(const QString& text)
-{
-    return el("m:r", el("m:t", text));
-}
+};
+const auto bareRun = [](const QString& text) { return el("m:r", el("m:t", text)); };
 
 TEST(OmmlReader, WrittenModelsReadBackUnchanged)
 {

@@ -18,45 +18,28 @@ const QString kFonts =
     QStringLiteral("<w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
 const QString kCtrl = QStringLiteral("<m:ctrlPr><w:rPr>") + kFonts + QStringLiteral("</w:rPr></m:ctrlPr>");
 
-inline KOmmlNodePtr run(const QString& text)
-{
-    return makeOmmlNode(ORun{text, {}, {}});
-}
-
-inline KOmmlNodeList one(const QString& text)
-{
-    return makeOmmlList(run(text));
-}
-
+inline const auto run = [](const QString& text) { return makeOmmlNode(ORun{text, {}, {}}); };
+inline const auto one = [](const QString& text) { return makeOmmlList(run(text)); };
 // A default run with the given text, as written.
-inline QString runXml(const QString& text)
-{
-    return QStringLiteral("<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr>") + kFonts +
-           QStringLiteral("</w:rPr><m:t>") + text + QStringLiteral("</m:t></m:r>");
-}
-
+inline const auto runXml = [](const QString& text) {
+    return "<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr>" + kFonts + "</w:rPr><m:t>" + text +
+           "</m:t></m:r>";
+};
 // "<tag>" + content + "</tag>".
-inline QString el(const QString& tag, const QString& content)
-{
+inline const auto el = [](const QString& tag, const QString& content) {
     return "<" + tag + ">" + content + "</" + tag + ">";
-}
-
-inline QString equationXml(const QString& content)
-{
+};
+// "<m:tag><m:tagPr>" + props + "</m:tagPr>" + args + "</m:tag>".
+inline const auto kind = [](const QString& tag, const QString& props, const QString& args) {
+    return el("m:" + tag, el("m:" + tag + "Pr", props) + args);
+};
+inline const auto equationXml = [](const QString& content) {
     return "<m:oMath xmlns:m=\"" + kNs + "\">" + content + "</m:oMath>";
-}
-
-inline QString paragraphXml(const QString& jc, const QString& content)
-{
+};
+inline const auto paragraphXml = [](const QString& jc, const QString& content) {
     return "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr><m:jc m:val=\"" + jc +
            "\"/></m:oMathParaPr>" + content + "</m:oMathPara>";
-}
-
-// "<m:tag><m:tagPr>" + props + "</m:tagPr>" + args + "</m:tag>".
-inline QString kind(const QString& tag, const QString& props, const QString& args)
-{
-    return "<m:" + tag + "><m:" + tag + "Pr>" + props + "</m:" + tag + "Pr>" + args + "</m:" + tag + ">";
-}
+};
 
 // One model per kind, most with every property away from its default, and its whole XML.
 // The writer test compares the text; the reader test reads the text back.
