@@ -23,12 +23,11 @@ TEST(OmmlReader, WrittenModelsReadBackUnchanged)
 
 TEST(OmmlReader, ReadsWholeElements)
 {
-    const QString a = runXml("a"), b = runXml("b");
-    const QString nary =
-        "<m:limLoc m:val=\"subSup\"/><m:subHide m:val=\"off\"/><m:supHide m:val=\"off\"/></m:naryPr>"
-        "<m:sub/><m:sup/><m:e/></m:nary>";
-    const QString boldCtrl = "<m:ctrlPr><m:rPr><m:scr m:val=\"roman\"/><m:sty m:val=\"b\"/></m:rPr><w:rPr>" +
-                             kFonts + "<w:b/></w:rPr></m:ctrlPr>";
+    const QString a = runXml("a"), b = runXml("b"), e = "<m:e/>", top = "<m:pos m:val=\"top\"/>";
+    const QString nary = "<m:limLoc m:val=\"subSup\"/><m:subHide m:val=\"off\"/><m:supHide m:val=\"off\"/>";
+    const QString parens = "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/>",
+                  mPr = "<m:plcHide m:val=\"off\"/>" + kCtrl;
+    const QString mc = "<m:mc><m:mcPr><m:mcJc m:val=\"center\"/></m:mcPr></m:mc>";
     const std::pair<QString, QString> cases[] = {
         {el("m:oMath", bareRun("x")), equationXml(runXml("x"))},
         {el("m:oMathPara", el("m:oMath", bareRun("a")) + el("m:oMath", bareRun("b"))),
@@ -38,51 +37,50 @@ TEST(OmmlReader, ReadsWholeElements)
         {"<m:r><m:t>a</m:t><m:t>b</m:t></m:r>", runXml("b")},
         {"<m:r><m:rPr><m:scr m:val=\"script\"/><m:scr/><m:nor/></m:rPr></m:r>", runXml("")},
         // A later w:rPr replaces an earlier one.
-        {"<m:sSup><m:sSupPr><m:ctrlPr><m:rPr><m:scr "
-         "m:val=\"script\"/></m:rPr><w:rPr><w:i/></w:rPr><w:rPr><w:b/>"
-         "</w:rPr></m:ctrlPr></m:sSupPr></m:sSup>",
-         "<m:sSup><m:sSupPr><m:ctrlPr><m:rPr><m:scr m:val=\"script\"/></m:rPr><w:rPr>" + kFonts +
-             "<w:b/></w:rPr></m:ctrlPr></m:sSupPr><m:e/><m:sup/></m:sSup>"},
+        {kind("sSup",
+              "<m:ctrlPr><m:rPr><m:scr "
+              "m:val=\"script\"/></m:rPr><w:rPr><w:i/></w:rPr><w:rPr><w:b/></w:rPr></m:ctrlPr>",
+              ""),
+         kind("sSup",
+              "<m:ctrlPr><m:rPr><m:scr m:val=\"script\"/></m:rPr><w:rPr>" + kFonts +
+                  "<w:b/></w:rPr></m:ctrlPr>",
+              "<m:e/><m:sup/>")},
         // A second properties element starts from the defaults again.
         {"<m:f><m:fPr><m:type "
          "m:val=\"lin\"/><m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr></m:fPr><m:fPr/></m:f>",
-         "<m:f>" + el("m:fPr", kCtrl) + "<m:num/><m:den/></m:f>"},
+         kind("f", kCtrl, "<m:num/><m:den/>")},
         // Control properties stay on the structure; its runs start from the run defaults.
-        {"<m:f><m:fPr><m:ctrlPr><m:rPr><m:sty "
-         "m:val=\"b\"/></m:rPr><w:rPr><w:b/></w:rPr></m:ctrlPr></m:fPr><m:num>" +
-             bareRun("a") + "</m:num></m:f>",
-         "<m:f>" + el("m:fPr", boldCtrl) + el("m:num", a) + "<m:den/></m:f>"},
-        {"<m:nary/>", "<m:nary><m:naryPr>" + kCtrl + "<m:chr m:val=\"\u222B\"/>" + nary},
-        {"<m:nary><m:naryPr><m:chr/></m:naryPr></m:nary>", "<m:nary><m:naryPr>" + kCtrl + nary},
+        {kind("f", "<m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr>", el("m:num", bareRun("a"))),
+         kind("f", "<m:ctrlPr><w:rPr>" + kFonts + "<w:b/></w:rPr></m:ctrlPr>", el("m:num", a) + "<m:den/>")},
+        {"<m:rad/>", kind("rad", kCtrl + "<m:degHide m:val=\"off\"/>", "<m:deg/>" + e)},
+        {"<m:nary/>", kind("nary", kCtrl + "<m:chr m:val=\"\u222B\"/>" + nary, "<m:sub/><m:sup/>" + e)},
+        {"<m:nary><m:naryPr><m:chr/></m:naryPr></m:nary>",
+         kind("nary", kCtrl + nary, "<m:sub/><m:sup/>" + e)},
         {el("m:d", el("m:e", bareRun("a")) + el("m:e", bareRun("b"))),
-         "<m:d><m:dPr>" + kCtrl + "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/></m:dPr>" + el("m:e", b) +
-             "</m:d>"},
+         kind("d", kCtrl + parens, el("m:e", b))},
         {"<m:d><m:dPr><m:begChr/><m:endChr m:val=\"]\"/></m:dPr></m:d>",
-         "<m:d><m:dPr>" + kCtrl + "<m:begChr m:val=\"\"/><m:endChr m:val=\"]\"/></m:dPr><m:e/></m:d>"},
+         kind("d", kCtrl + "<m:begChr m:val=\"\"/><m:endChr m:val=\"]\"/>", e)},
         {"<m:d><m:dPr><m:begChr m:val=\"[\"/></m:dPr><m:dPr><m:endChr m:val=\"|\"/></m:dPr></m:d>",
-         "<m:d><m:dPr>" + kCtrl + "<m:begChr m:val=\"(\"/><m:endChr m:val=\"|\"/></m:dPr><m:e/></m:d>"},
+         kind("d", kCtrl + "<m:begChr m:val=\"(\"/><m:endChr m:val=\"|\"/>", e)},
         {el("m:acc", el("m:e", bareRun("a"))),
-         "<m:acc><m:accPr><m:chr m:val=\"\u0302\"/>" + kCtrl + "</m:accPr>" + el("m:e", a) + "</m:acc>"},
-        {"<m:bar/>", "<m:bar><m:barPr><m:pos m:val=\"top\"/></m:barPr><m:e/></m:bar>"},
-        {"<m:bar><m:barPr/></m:bar>", "<m:bar><m:barPr><m:pos m:val=\"bot\"/></m:barPr><m:e/></m:bar>"},
-        {"<m:bar><m:barPr><m:pos m:val=\"top\"/><m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr></m:barPr></m:bar>",
-         "<m:bar><m:barPr><m:pos m:val=\"top\"/></m:barPr><m:e/></m:bar>"},
+         kind("acc", "<m:chr m:val=\"\u0302\"/>" + kCtrl, el("m:e", a))},
+        {"<m:bar/>", kind("bar", top, e)},
+        {"<m:bar><m:barPr/></m:bar>", kind("bar", "<m:pos m:val=\"bot\"/>", e)},
+        {kind("bar", top + "<m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr>", ""), kind("bar", top, e)},
         {"<m:groupChr/>",
-         "<m:groupChr><m:groupChrPr>" + kCtrl +
-             "<m:chr m:val=\"\u23DF\"/><m:pos m:val=\"bot\"/><m:vertJc m:val=\"top\"/></m:groupChrPr>"
-             "<m:e/></m:groupChr>"},
-        {"<m:box/>", "<m:box><m:boxPr>" + kCtrl + "<m:noBreak m:val=\"on\"/></m:boxPr><m:e/></m:box>"},
+         kind("groupChr", kCtrl + "<m:chr m:val=\"\u23DF\"/><m:pos m:val=\"bot\"/><m:vertJc m:val=\"top\"/>",
+              e)},
+        {"<m:box/>", kind("box", kCtrl + "<m:noBreak m:val=\"on\"/>", e)},
         {"<m:rad><m:deg>" + bareRun("3") + "</m:deg><m:deg/><m:e>" + bareRun("a") + "</m:e></m:rad>",
-         "<m:rad><m:radPr>" + kCtrl + "<m:degHide m:val=\"off\"/></m:radPr>" + el("m:deg", runXml("3")) +
-             el("m:e", a) + "</m:rad>"},
+         kind("rad", kCtrl + "<m:degHide m:val=\"off\"/>", el("m:deg", runXml("3")) + el("m:e", a))},
         {"<m:m><m:mr/><m:mr><m:e/></m:mr><m:mr><m:x/></m:mr></m:m>",
-         "<m:m><m:mPr><m:plcHide m:val=\"off\"/>" + kCtrl + "</m:mPr><m:mr><m:e/></m:mr></m:m>"},
+         el("m:m", el("m:mPr", mPr) + "<m:mr><m:e/></m:mr>")},
         {"<m:m><m:mPr><m:mcs><m:mc><m:mcPr><m:count "
          "m:val=\"2\"/></m:mcPr></m:mc></m:mcs><m:mcs><m:mc/><m:x/></m:mcs>"
          "</m:mPr></m:m>",
-         "<m:m><m:mPr><m:mcs><m:mc><m:mcPr><m:count m:val=\"2\"/><m:mcJc m:val=\"center\"/></m:mcPr></m:mc>"
-         "<m:mc><m:mcPr><m:mcJc m:val=\"center\"/></m:mcPr></m:mc></m:mcs><m:plcHide m:val=\"off\"/>" +
-             kCtrl + "</m:mPr></m:m>"},
+         el("m:m",
+            el("m:mPr",
+               el("m:mcs", QString(mc).replace("<m:mcJc", "<m:count m:val=\"2\"/><m:mcJc") + mc) + mPr))},
         // Unknown elements vanish with their content; tags are case-sensitive literal names.
         {"<m:oMath><m:foo>" + bareRun("a") + "</m:foo><mml:f/>" + bareRun("b") +
              "<w:r><m:r/></w:r></m:oMath>",
@@ -180,8 +178,8 @@ TEST(OmmlReader, WordRunProperties)
                       "</w:rPr><m:t>x</m:t></m:r>")
             << inner.toStdString();
     const KOmmlNodePtr red = readOmmlDocument("<m:r><w:rPr><w:color w:val=\"FF0000\"/></w:rPr></m:r>");
-    ASSERT_TRUE(ommlAs<ORun>(red.get()));
-    EXPECT_EQ(ommlAs<ORun>(red.get())->wordProps.color, QColor(255, 0, 0, 255));
+    ASSERT_TRUE(red);
+    EXPECT_EQ(ommlAs<ORun>(red.get())->wordProps.color, QColor(255, 0, 0, 255)); // opaque
 }
 
 TEST(OmmlReader, WordProcessorShapedDocument)
@@ -221,24 +219,15 @@ QString nestedBoxes(int boxes)
            QString("</m:e></m:box>").repeated(boxes) + "</m:oMath></m:oMathPara>";
 }
 
-TEST(OmmlReader, NestingUpToTheLimitReads)
+TEST(OmmlReader, NestingIsLimited)
 {
     // Paragraph, equation, two levels per box, then m:r and m:t.
     const int boxes = (kMaxOmmlReadDepth - 4) / 2;
     ASSERT_EQ(2 * boxes + 4, kMaxOmmlReadDepth);
-    const KOmmlNodePtr node = readOmmlDocument(nestedBoxes(boxes));
-    ASSERT_TRUE(node);
-    int depth = 0;
-    const OMathEquation* eq = ommlAs<OMathEquation>(ommlAs<OMathParagraph>(node.get())->equation.get());
-    for (const KOmmlNodeList* list = &eq->children; !list->empty() && ommlAs<OBox>(list->front().get());
-         ++depth)
-        list = &ommlAs<OBox>(list->front().get())->e;
-    EXPECT_EQ(depth, boxes);
+    const QString read = readDump(nestedBoxes(boxes));
+    EXPECT_EQ(read.count("<m:box>"), boxes);
+    EXPECT_TRUE(read.contains("<m:t>x</m:t>"));
     EXPECT_FALSE(readOmmlDocument(nestedBoxes(boxes + 1)));
-}
-
-TEST(OmmlReader, HostileNestingIsUnreadable)
-{
     EXPECT_FALSE(readOmmlDocument(nestedBoxes(50000)));
     const QString unknown = QString("<x>").repeated(100000);
     EXPECT_FALSE(readOmmlDocument("<m:oMath>" + unknown + "</m:oMath>"));
@@ -271,12 +260,11 @@ TEST(OmmlReader, TextOnlyTheDomParserAcceptsIsMeasuredToo)
 
 TEST(OmmlReader, MegabytesOfFlatInputRead)
 {
-    const int runs = 100000;
-    const QString xml = el("m:oMath", QString("<m:r><m:t>x</m:t></m:r>").repeated(runs));
+    const QString xml = el("m:oMath", QString("<m:r><m:t>x</m:t></m:r>").repeated(100000));
     ASSERT_GT(xml.size(), 2000000);
     const KOmmlNodePtr node = readOmmlDocument(xml);
-    ASSERT_TRUE(ommlAs<OMathEquation>(node.get()));
-    EXPECT_EQ(ommlAs<OMathEquation>(node.get())->children.size(), size_t(runs));
+    EXPECT_EQ(ommlAs<OMathEquation>(node.get()) ? ommlAs<OMathEquation>(node.get())->children.size() : 0u,
+              100000u);
 }
 
 } // namespace
