@@ -52,7 +52,6 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(cmd("alpha"), t("1")), "\\alpha 1"},
         {group(cmd("alpha"), cmd("beta"), t("+"), cmd("gamma")), "\\alpha\\beta+\\gamma"},
         {group(t("1"), t("x"), t("+"), t("2"), t("3")), "1 x+2 3"},
-        {group(t("x"), t("+"), t("y")), "x+y"},
         {group(frac(), t("x"), frac(), t("2")), "\\frac{a}{b} x\\frac{a}{b}2"},
         {group(t("}"), t("x"), cmd("{"), t("y")), "\\} x\\{y"},
         {group(t("α"), t("β"), t("\u0663"), t("x")), "α β \u0663 x"},
@@ -71,11 +70,9 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(t("a"), cmd("space_thin"), cmd("space_med"), cmd("space_thick"), cmd("space_negthin"),
                cmd("space_quad"), cmd("space_qquad"), cmd("space_normal"), t("b")),
          "a\\,\\:\\;\\!\\quad \\qquad  b"},
-        {cmd("space_quad"), "\\quad "},
         {cmd("space_thin", arg(t("x"))), "\\,"},
         {makeUnknownCommand("space_quad", args(arg(t("x")))), "\\quad "},
         // \left and \right print their first argument, unwrapping a braced delimiter.
-        {cmd("left", arg(t("("))), "\\left("},
         {cmd("right", arg(cmd("rangle"))), "\\right\\rangle"},
         {cmd("left", arg(t("{"))), "\\left\\{"},
         {cmd("left", arg(makeLeftRight("{", "}", group(t("("), cmd("space_normal")), false))), "\\left("},
@@ -95,7 +92,6 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(cmd("\\\\"), t("x")), "\\\\x"},
         {makeUnknownCommand("\\\\", args(opt(t("2 pt")))), "\\\\\\[2 pt]"},
         // Arguments, and which nodes count as simple.
-        {frac(), "\\frac{a}{b}"},
         {frac(), "\\fracab", bare},
         {cmd("sqrt", opt(group()), arg(t("x"))), "\\sqrt[]{x}"},
         {cmd("sqrt", opt(nullptr), arg(nullptr)), "\\sqrt[]{}", bare},
@@ -119,12 +115,10 @@ TEST(LatexWriter, PrintsWholeTrees)
         {std::make_unique<KLatexNode>(KLatexNode{KLatexScript{nullptr, t("2"), nullptr}}), "^2"},
         {group(script(t("x"), t("2")), t("3")), "x^2 3"},
         // Delimited groups.
-        {makeLeftRight("(", ")", t("x"), true), "\\left( x \\right)"},
         {makeLeftRight("|", "|", t("x"), false), "|x|"},
         {makeLeftRight("(", ")", group(), true), "\\left(  \\right)"},
         {group(makeLeftRight("(", ")", t("x"), true), t("y")), "\\left( x \\right)y"},
         // Rows: cells joined by " & ", a trailing line break set off by one space.
-        {row(t("a"), t("b"), cmd("\\\\")), "a & b \\\\"},
         {row(t("a"), t("b"), br("3 pt")), "a & b \\\\[3pt]"},
         {row(t("a"), cmd("\\\\*")), "a \\\\*"},
         {row(t("a"), nullptr, t("c")), "a &  & c"},

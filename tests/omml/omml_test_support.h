@@ -53,10 +53,10 @@ inline std::vector<KindCase> kindCases()
 {
     OControlProperties s;
     s.mathProps = OMathRunProperties{OScript::fraktur, OStyle::bold};
-    s.wordProps = {"Arial", "Arial Narrow", {}, true, true, QColor(0x12, 0xab, 0xef)};
+    s.wordProps = {"Body", "Body Narrow", {}, true, true, QColor(0x12, 0xab, 0xef)};
     const QString S =
         "<m:ctrlPr><m:rPr><m:scr m:val=\"fraktur\"/><m:sty m:val=\"b\"/></m:rPr><w:rPr><w:rFonts "
-        "w:ascii=\"Arial\" w:hAnsi=\"Arial Narrow\" w:hint=\"default\"/><w:i/><w:b/><w:color "
+        "w:ascii=\"Body\" w:hAnsi=\"Body Narrow\" w:hint=\"default\"/><w:i/><w:b/><w:color "
         "w:val=\"12abef\"/></w:rPr></m:ctrlPr>";
     const QString a = runXml("a"), b = runXml("b"), c = runXml("c");
     const QString ea = el("m:e", a), on = "m:val=\"on\"/>", set = " m:val=\"1\"/>";
@@ -70,12 +70,11 @@ inline std::vector<KindCase> kindCases()
     };
     add(OMathParagraph{makeOmmlNode(OMathEquation{one("a")}), OJustification::right},
         paragraphXml("right", equationXml(a)));
-    ORun r{
-        "x \U0001D400<&>", {OScript::doubleStruck, OStyle::boldItalic}, {"Symbol", "", {}, true, true, {}}};
+    ORun r{"x \U0001D400<&>", {OScript::doubleStruck, OStyle::boldItalic}, {"Signs", "", {}, true, true, {}}};
     r.wordProps.color = QColor(255, 0, 10);
     add(std::move(r),
         "<m:r><m:rPr><m:scr m:val=\"double-struck\"/><m:sty m:val=\"bi\"/></m:rPr><w:rPr><w:rFonts "
-        "w:ascii=\"Symbol\" w:hint=\"default\"/><w:i/><w:b/><w:color w:val=\"ff000a\"/></w:rPr>"
+        "w:ascii=\"Signs\" w:hint=\"default\"/><w:i/><w:b/><w:color w:val=\"ff000a\"/></w:rPr>"
         "<m:t>x \U0001D400&lt;&amp;&gt;</m:t></m:r>");
     add(ORun{"", {}, {"", "", {}, false, false, {}}},
         "<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr><w:rFonts "

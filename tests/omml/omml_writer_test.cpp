@@ -6,10 +6,7 @@
 
 namespace {
 
-template <class Alternative> QString write(Alternative&& alternative)
-{
-    return ommlNodeToXml(*makeOmmlNode(std::forward<Alternative>(alternative)));
-}
+const auto write = [](auto&& alternative) { return ommlNodeToXml(*makeOmmlNode(std::move(alternative))); };
 
 TEST(OmmlWriter, EveryKindAsWholeElement)
 {
