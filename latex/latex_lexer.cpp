@@ -174,7 +174,7 @@ KLatexLexResult KLatexLexer::tokenize()
             }
             break;
         default:
-            if (m_colourMode && readColourSpecification())
+            if (m_colourMode && readColourValue())
                 break;
             readSingleCodeUnit();
             break;
@@ -261,7 +261,7 @@ void KLatexLexer::skipColourSpace()
         ++m_position;
 }
 
-bool KLatexLexer::readColourSpecification()
+bool KLatexLexer::readColourValue()
 {
     const int attempt = m_position;
     skipColourSpace();

@@ -25,7 +25,7 @@ public:
 private:
     void skipBlanksAndComments();
     void readControlSequence();
-    bool readColourSpecification();
+    bool readColourValue();
     bool readBracketedColour();
     void readSingleCodeUnit();
     void skipColourSpace();

@@ -22,8 +22,9 @@ public:
     // so that neither the parser nor any walk over its tree can exhaust the stack.
     static constexpr int kMaxNestingDepth = 256;
     // Longest chain of scripts stacked on one base (x^a_b^c_d...) before the next
-    // scripts start on an empty base of their own.
-    static constexpr int kMaxScriptChain = 256;
+    // scripts start on an empty base of their own. Every nesting level may hold such a
+    // chain, so it is kept short to bound the depth of the whole tree.
+    static constexpr int kMaxScriptChain = 16;
 
     // Neither the tokens nor the diagnostics are copied; both must outlive the parser.
     KLatexParser(const std::vector<Token>& tokens, LatexDiagnostics& diagnostics, int itemLimit = kItemLimit);

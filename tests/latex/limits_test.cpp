@@ -102,6 +102,27 @@ const DeepCase kDeepCases[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Hostile, DeepNesting, ::testing::ValuesIn(kDeepCases));
 
+TEST(NestingGuard, ScriptChainsOnEveryLevelStayShallow)
+{
+    const QString source = repeated("{", 300) + repeated("}^a_b^c_d^e_f^g_h^i_j^k_l^m_n^o_p^q_r^s_t", 300);
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(source, diagnostics);
+    EXPECT_LE(treeDepth(root.get()), KLatexParser::kMaxNestingDepth * (KLatexParser::kMaxScriptChain + 3));
+    EXPECT_GE(countCode(diagnostics, "F_nesting_overflow"), 2);
+}
+
+TEST(NestingGuard, ScriptChainStopsAtItsLimit)
+{
+    // Seventeen passes of two scripts: sixteen stack on x, the last starts on an empty base.
+    const ParsedText parsed = parseToText(QStringLiteral("x") + repeated("^a_b", 17));
+    EXPECT_TRUE(parsed.tree.startsWith(QStringLiteral("Group\n") + repeated("  Script\n    base\n", 1)));
+    EXPECT_EQ(parsed.tree.count(QStringLiteral("Script\n")), 17);
+    EXPECT_TRUE(parsed.tree.endsWith(QStringLiteral(
+        "  Script\n    base\n      Group\n    sup\n      Text \"a\"\n    sub\n      Text \"b\"\n")));
+    EXPECT_EQ(parsed.diagnostics,
+              QStringLiteral("3 F_nesting_overflow 65+1 Maximum nesting depth exceeded."));
+}
+
 TEST(NestingGuard, ReportsWhereTheGuardStops)
 {
     const int depth = KLatexParser::kMaxNestingDepth;
