@@ -133,7 +133,7 @@ KOmmlNodePtr strut(KStrut size)
 
 KOmmlNodeList matrixEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 {
-    // Arguments such as an array's column specification do not change the OMML.
+    // Arguments such as an array's column format do not change the OMML.
     KOmmlNodePtr matrix = centredMatrix(ast, buildRows(ast, env.body));
     const KLatexEnvironment* entry = lookupEnvironment(env.name);
     return fenced(std::move(matrix), entry ? entry->delimiters : QString());

@@ -1,13 +1,20 @@
 #pragma once
-// Expected OMML text for converter tests, written element by element so that a
-// whole converter output can be compared with one string.
+// Shared by the converter tests: expected OMML text written element by element,
+// syntax trees for the cases LaTeX text cannot reach, and the conversion of
+// LaTeX text or a tree into OMML text.
 
+#include "latex/latex_parser.h"
 #include "latex2omml/ast2omml.h"
 #include "omml/omml_writer.h"
 
 #include <QString>
+#include <QStringList>
+
+#include <gtest/gtest.h>
 
 #include <ostream>
+#include <utility>
+#include <vector>
 
 // Readable failure messages for QString comparisons.
 inline void PrintTo(const QString& text, std::ostream* os)
@@ -19,22 +26,38 @@ namespace omml_text {
 
 inline const QString kFonts =
     QStringLiteral("<w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
-// The default control properties: fonts only.
-inline const QString kCtrl =
-    QStringLiteral("<m:ctrlPr><w:rPr>") + kFonts + QStringLiteral("</w:rPr></m:ctrlPr>");
 
-// A run in the default style (roman, no m:sty), optionally with extra w:rPr content.
-inline QString r(const QString& text, const QString& wordExtra = QString())
+// How a run or a control-properties element looks. `math`: whether the math run
+// properties are written (always for runs, for structures only under a math style).
+struct Look {
+    QString scr = QStringLiteral("roman");
+    QString sty;
+    bool italic = false;
+    bool bold = false;
+    QString colour;
+    bool math = true;
+};
+
+inline Look sty(const char* style, bool italic = false, bool bold = false)
 {
-    return QStringLiteral("<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr>") + kFonts + wordExtra +
-           QStringLiteral("</w:rPr><m:t>") + text + QStringLiteral("</m:t></m:r>");
+    Look look;
+    look.sty = QString::fromUtf8(style);
+    look.italic = italic;
+    look.bold = bold;
+    return look;
 }
 
-// An operator name run: roman and plain.
-inline QString rp(const QString& text)
+inline Look scr(const char* script)
 {
-    return QStringLiteral("<m:r><m:rPr><m:scr m:val=\"roman\"/><m:sty m:val=\"p\"/></m:rPr><w:rPr>") +
-           kFonts + QStringLiteral("</w:rPr><m:t>") + text + QStringLiteral("</m:t></m:r>");
+    Look look;
+    look.scr = QString::fromUtf8(script);
+    return look;
+}
+
+inline Look colour(const char* hex, Look look = Look())
+{
+    look.colour = QString::fromUtf8(hex);
+    return look;
 }
 
 // An element with content; the stream writer closes an element without content at once.
@@ -50,11 +73,53 @@ inline QString val(const QString& element, const QString& value)
     return "<" + element + " m:val=\"" + value + "\"/>";
 }
 
+inline QString properties(const Look& look)
+{
+    const QString math = look.math
+                             ? wrap("m:rPr", val("m:scr", look.scr) +
+                                                 (look.sty.isEmpty() ? QString() : val("m:sty", look.sty)))
+                             : QString();
+    QString word = kFonts;
+    if (look.italic)
+        word += QStringLiteral("<w:i/>");
+    if (look.bold)
+        word += QStringLiteral("<w:b/>");
+    if (!look.colour.isEmpty())
+        word += "<w:color w:val=\"" + look.colour + "\"/>";
+    return math + wrap("w:rPr", word);
+}
+
+inline QString r(const QString& text, const Look& look = Look())
+{
+    return "<m:r>" + properties(look) + "<m:t>" + text + "</m:t></m:r>";
+}
+
+// An operator name run: roman and plain.
+inline QString rp(const QString& text)
+{
+    return r(text, sty("p"));
+}
+
+// Control properties; by default those of the default style (fonts only).
+inline QString ctrl(Look look = Look(), bool math = false)
+{
+    look.math = math;
+    return wrap("m:ctrlPr", properties(look));
+}
+
+// Control properties copied from a math style such as \mathbf's.
+inline QString ctrlOf(const Look& look)
+{
+    return ctrl(look, true);
+}
+
+inline const QString kCtrl = ctrl();
+
 inline QString frac(const QString& num, const QString& den, const QString& type = QString(),
-                    const QString& ctrl = kCtrl)
+                    const QString& ctrlXml = kCtrl)
 {
     const QString typeXml = type.isEmpty() ? QString() : val("m:type", type);
-    return wrap("m:f", wrap("m:fPr", typeXml + ctrl) + wrap("m:num", num) + wrap("m:den", den));
+    return wrap("m:f", wrap("m:fPr", typeXml + ctrlXml) + wrap("m:num", num) + wrap("m:den", den));
 }
 
 inline QString sSup(const QString& e, const QString& sup)
@@ -73,47 +138,120 @@ inline QString sSubSup(const QString& e, const QString& sub, const QString& sup)
                 wrap("m:sSubSupPr", kCtrl) + wrap("m:e", e) + wrap("m:sub", sub) + wrap("m:sup", sup));
 }
 
-inline QString d(const QString& beg, const QString& end, const QString& e, const QString& ctrl = kCtrl)
+inline QString d(const QString& beg, const QString& end, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:d", wrap("m:dPr", ctrl + val("m:begChr", beg) + val("m:endChr", end)) + wrap("m:e", e));
+    return wrap("m:d", wrap("m:dPr", ctrlXml + val("m:begChr", beg) + val("m:endChr", end)) + wrap("m:e", e));
 }
 
 // A radical; a null `deg` means no degree (an empty m:deg element).
-inline QString rad(const QString& e, const QString& deg, bool degHide, const QString& ctrl = kCtrl)
+inline QString rad(const QString& e, const QString& deg, bool degHide, const QString& ctrlXml = kCtrl)
 {
     const QString degXml = deg.isNull() ? QStringLiteral("<m:deg/>") : wrap("m:deg", deg);
-    return wrap("m:rad",
-                wrap("m:radPr", ctrl + val("m:degHide", degHide ? "on" : "off")) + degXml + wrap("m:e", e));
+    return wrap("m:rad", wrap("m:radPr", ctrlXml + val("m:degHide", degHide ? "on" : "off")) + degXml +
+                             wrap("m:e", e));
 }
 
 inline QString nary(const QString& chr, bool undOvr, bool subHide, bool supHide, const QString& sub,
-                    const QString& sup, const QString& e, const QString& ctrl = kCtrl)
+                    const QString& sup, const QString& e, const QString& ctrlXml = kCtrl)
 {
     return wrap("m:nary",
-                wrap("m:naryPr", ctrl + val("m:chr", chr) + val("m:limLoc", undOvr ? "undOvr" : "subSup") +
+                wrap("m:naryPr", ctrlXml + val("m:chr", chr) + val("m:limLoc", undOvr ? "undOvr" : "subSup") +
                                      val("m:subHide", subHide ? "on" : "off") +
                                      val("m:supHide", supHide ? "on" : "off")) +
                     wrap("m:sub", sub) + wrap("m:sup", sup) + wrap("m:e", e));
 }
 
-inline QString func(const QString& fName, const QString& e, const QString& ctrl = kCtrl)
+inline QString func(const QString& fName, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:func", wrap("m:funcPr", ctrl) + wrap("m:fName", fName) + wrap("m:e", e));
+    return wrap("m:func", wrap("m:funcPr", ctrlXml) + wrap("m:fName", fName) + wrap("m:e", e));
 }
 
-inline QString limLow(const QString& e, const QString& lim, const QString& ctrl = kCtrl)
+inline QString limLow(const QString& e, const QString& lim, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:limLow", wrap("m:limLowPr", ctrl) + wrap("m:e", e) + wrap("m:lim", lim));
+    return wrap("m:limLow", wrap("m:limLowPr", ctrlXml) + wrap("m:e", e) + wrap("m:lim", lim));
 }
 
-inline QString limUpp(const QString& e, const QString& lim, const QString& ctrl = kCtrl)
+inline QString limUpp(const QString& e, const QString& lim, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:limUpp", wrap("m:limUppPr", ctrl) + wrap("m:e", e) + wrap("m:lim", lim));
+    return wrap("m:limUpp", wrap("m:limUppPr", ctrlXml) + wrap("m:e", e) + wrap("m:lim", lim));
 }
 
 inline QString bar(const QString& pos, const QString& e)
 {
     return wrap("m:bar", wrap("m:barPr", val("m:pos", pos)) + wrap("m:e", e));
+}
+
+// A matrix with the columns given by their justifications; every column counts 1
+// and the column gaps are 0.
+inline QString matrix(const QStringList& columns, const std::vector<QStringList>& rows,
+                      const QString& ctrlXml = kCtrl)
+{
+    QString columnsXml;
+    for (const QString& jc : columns)
+        columnsXml += wrap("m:mc", wrap("m:mcPr", val("m:count", "1") + val("m:mcJc", jc)));
+    QString xml = wrap("m:mPr", wrap("m:mcs", columnsXml) + val("m:cGp", "0") + val("m:cGpRule", "0") +
+                                    val("m:plcHide", "off") + ctrlXml);
+    for (const QStringList& cells : rows) {
+        QString cellsXml;
+        for (const QString& cell : cells)
+            cellsXml += wrap("m:e", cell);
+        xml += wrap("m:mr", cellsXml);
+    }
+    return wrap("m:m", xml);
+}
+
+inline QString eqArr(const QStringList& rows, const QString& ctrlXml = kCtrl)
+{
+    QString xml = wrap("m:eqArrPr", ctrlXml);
+    for (const QString& line : rows)
+        xml += wrap("m:e", line);
+    return wrap("m:eqArr", xml);
+}
+
+// `flags`: the switches that are on, in writing order; `hidden` puts the four
+// hide switches first.
+inline QString borderBox(const QStringList& flags, const QString& e, const QString& ctrlXml = kCtrl,
+                         bool hidden = true)
+{
+    QString flagsXml;
+    const QStringList all =
+        (hidden ? QStringList{"hideTop", "hideBot", "hideLeft", "hideRight"} : QStringList()) + flags;
+    for (const QString& flag : all)
+        flagsXml += val("m:" + flag, "1");
+    return wrap("m:borderBox", wrap("m:borderBoxPr", ctrlXml + flagsXml) + wrap("m:e", e));
+}
+
+inline QString frame(const QString& e, const QString& ctrlXml = kCtrl)
+{
+    return borderBox({}, e, ctrlXml, false);
+}
+
+inline QString box(const QString& e, const QString& ctrlXml = kCtrl)
+{
+    return wrap("m:box", wrap("m:boxPr", ctrlXml + val("m:noBreak", "on")) + wrap("m:e", e));
+}
+
+inline QString acc(const QString& chr, const QString& e, const QString& ctrlXml = kCtrl)
+{
+    return wrap("m:acc", wrap("m:accPr", val("m:chr", chr) + ctrlXml) + wrap("m:e", e));
+}
+
+inline QString groupChr(const QString& chr, const QString& pos, const QString& vertJc, const QString& e,
+                        const QString& ctrlXml = kCtrl)
+{
+    return wrap("m:groupChr", wrap("m:groupChrPr", ctrlXml + val("m:chr", chr) + val("m:pos", pos) +
+                                                       val("m:vertJc", vertJc)) +
+                                  wrap("m:e", e));
+}
+
+inline QString phant(const QString& e)
+{
+    return wrap("m:phant", wrap("m:phantPr", kCtrl) + wrap("m:e", e));
+}
+
+inline QString sPre(const QString& e, const QString& sub, const QString& sup)
+{
+    return wrap("m:sPre", wrap("m:sPrePr", kCtrl) + wrap("m:sub", sub) + wrap("m:sup", sup) + wrap("m:e", e));
 }
 
 // The XML of a converter result: each node written in turn.
@@ -125,5 +263,77 @@ inline QString xmlOf(const KOmmlNodeList& nodes)
             text += ommlNodeToXml(*node);
     return text;
 }
+
+// ---- syntax trees ------------------------------------------------------------------
+
+inline KLatexNodePtr text(const QString& content)
+{
+    return makeText(content);
+}
+
+template <class... Nodes> KLatexNodeList list(Nodes&&... nodes)
+{
+    KLatexNodeList result;
+    (result.push_back(std::forward<Nodes>(nodes)), ...);
+    return result;
+}
+
+template <class... Nodes> KLatexNodePtr group(Nodes&&... nodes)
+{
+    return makeGroup(list(std::forward<Nodes>(nodes)...));
+}
+
+inline KLatexArg arg(KLatexNodePtr node, bool optional = false)
+{
+    return KLatexArg{optional, std::move(node)};
+}
+
+// A braced argument holding a group with one text, as the parser builds it.
+inline KLatexArg braced(const char* content)
+{
+    return arg(group(text(QString::fromUtf8(content))));
+}
+
+template <class... Args> KLatexNodePtr command(const char* name, Args&&... args)
+{
+    KLatexArgs list;
+    (list.push_back(std::forward<Args>(args)), ...);
+    return makeCommand(QString::fromUtf8(name), std::move(list));
+}
+
+inline KLatexNodePtr sup(KLatexNodePtr base, KLatexNodePtr superscript)
+{
+    return makeScript(std::move(base), std::move(superscript), nullptr);
+}
+
+// ---- conversion --------------------------------------------------------------------
+
+inline QString convertTree(const KLatexNodePtr& node, bool renderMode = false)
+{
+    KLatexAst2Omml converter;
+    converter.prepare(renderMode);
+    return xmlOf(converter.convert(*node));
+}
+
+inline QString convertLatex(const QString& source, bool renderMode = false)
+{
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(source, diagnostics);
+    return root ? convertTree(root, renderMode) : QStringLiteral("<no tree>");
+}
+
+// One row of a table-driven test: LaTeX text and the whole OMML expected.
+struct LatexCase {
+    const char* latex;
+    QString omml;
+};
+
+inline void PrintTo(const LatexCase& c, std::ostream* os)
+{
+    *os << c.latex;
+}
+
+// The rows are instantiated by each test file; the test itself is in ast2omml_test.cpp.
+class LatexToOmml : public ::testing::TestWithParam<LatexCase> {};
 
 } // namespace omml_text
