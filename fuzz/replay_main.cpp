@@ -2,7 +2,7 @@
 // target once per file given, and once per line of files given with --lines, so
 // that crash reproducers and the formula corpus can be replayed in any build.
 //
-//   fuzz_latex_replay [--lines] FILE...
+//   fuzz_latex [--lines] FILE...   (fuzz_omml likewise)
 #include <QByteArray>
 #include <QFile>
 
