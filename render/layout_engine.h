@@ -35,6 +35,22 @@ std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmml
 // Lays out one element by its kind; null for kinds that draw nothing and past the depth guard.
 KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node);
 
+// Nesting deeper than this lays out to nothing instead of exhausting the stack.
+inline constexpr int kMaxLayoutDepth = 512;
+
+// The core rules (layout_core.cpp).
+KTypoNodePtr layoutRun(const KLayoutContext& context, const ORun& run);
+KTypoNodePtr layoutFraction(const KLayoutContext& context, const OFraction& fraction);
+KTypoNodePtr layoutSuperscript(const KLayoutContext& context, const OSuperscript& script);
+KTypoNodePtr layoutSubscript(const KLayoutContext& context, const OSubscript& script);
+KTypoNodePtr layoutSubSuperscript(const KLayoutContext& context, const OSubSuperscript& script);
+KTypoNodePtr layoutNary(const KLayoutContext& context, const ONaryOperator& nary);
+KTypoNodePtr layoutRadical(const KLayoutContext& context, const ORadical& radical);
+KTypoNodePtr layoutFunction(const KLayoutContext& context, const OFunction& function);
+KTypoNodePtr layoutLimitLower(const KLayoutContext& context, const OLimitLower& limit);
+KTypoNodePtr layoutLimitUpper(const KLayoutContext& context, const OLimitUpper& limit);
+KTypoNodePtr layoutBox(const KLayoutContext& context, const OBox& box);
+
 // Fences, decorations and tables (layout_fences.cpp, layout_decorations.cpp, layout_tables.cpp).
 KTypoNodePtr layoutDelimiter(const KLayoutContext& context, const ODelimiter& delimiter);
 KTypoNodePtr layoutAccent(const KLayoutContext& context, const OAccent& accent);
