@@ -1,9 +1,11 @@
-# Shared by scripts/run and scripts/test: install what is missing, then build.
+# Shared by scripts/run, scripts/test and scripts/fuzz: install what is missing, then build.
 set -euo pipefail
 
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${FORMULACONV_BUILD_DIR:-$ROOT/build}"
 PACKAGES=(cmake ninja-build g++ qtbase5-dev libqt5svg5-dev fonts-liberation libgtest-dev)
+# Extra configure arguments of the build in $BUILD (the checked builds set them).
+CMAKE_ARGS=()
 
 ensure_packages() {
     local missing=()
@@ -20,7 +22,7 @@ ensure_packages() {
 
 ensure_build() {
     if [ ! -f "$BUILD/build.ninja" ]; then
-        cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >&2
+        cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "${CMAKE_ARGS[@]}" >&2
     fi
     cmake --build "$BUILD" -- "$@" >&2
 }
