@@ -337,7 +337,7 @@ public:
         if (m_depth >= kMaxWriteDepth)
             return;
         ++m_depth;
-        std::visit([this](const auto& alternative) { write(alternative); }, node.value);
+        std::visit([this](const auto& alternative) { this->write(alternative); }, node.value);
         --m_depth;
     }
 
