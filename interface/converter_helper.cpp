@@ -7,9 +7,9 @@
 #include "omml/omml_reader.h"
 #include "omml/omml_writer.h"
 #include "omml2latex/omml_to_latex.h"
+#include "render/render.h"
 
 #include <QRegularExpression>
-#include <QXmlStreamWriter>
 
 QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
 {
@@ -24,16 +24,10 @@ QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
     converter.prepare(false);
     if (!latexAs<KLatexGroup>(tree.get()))
         return {};
-    QString result;
-    {
-        OMathParagraph paragraph;
-        paragraph.justification = OJustification::centerGroup;
-        paragraph.equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
-        QXmlStreamWriter xml(&result);
-        xml.setAutoFormatting(false);
-        writeOmmlParagraph(paragraph, xml);
-    }
-    return result;
+    OMathParagraph paragraph;
+    paragraph.justification = OJustification::centerGroup;
+    paragraph.equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
+    return ommlParagraphToXml(paragraph);
 }
 
 QString KFormulaConverterHelper::ommlToLatex(QStringView omml) const
@@ -75,16 +69,28 @@ QString KFormulaConverterHelper::wrapInWordDocument(const QString& omml) const
 
 QString KFormulaConverterHelper::latexToSvg(QStringView latex, double fontSize) const
 {
-    Q_UNUSED(fontSize);
     if (latex.isEmpty())
         return {};
-    return {};
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr tree = parseLatex(latex, diagnostics, KLatexParser::kItemLimit);
+    if (!tree)
+        return {};
+    // Render mode: unknown commands show in red.
+    KLatexAst2Omml converter;
+    converter.prepare(true);
+    if (!latexAs<KLatexGroup>(tree.get()))
+        return {};
+    const KOmmlNodePtr equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
+    return renderEquation(equation.get(), fontSize);
 }
 
 QString KFormulaConverterHelper::ommlToSvg(QStringView omml, double fontSize) const
 {
-    Q_UNUSED(fontSize);
     if (omml.isEmpty())
         return {};
-    return {};
+    const KOmmlNodePtr root = readOmmlDocument(omml.toString());
+    const auto* paragraph = ommlAs<OMathParagraph>(root.get());
+    if (!paragraph)
+        return {};
+    return renderEquation(paragraph->equation.get(), fontSize);
 }
