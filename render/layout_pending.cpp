@@ -56,32 +56,3 @@ KTypoNodePtr layoutBox(const KLayoutContext& c, const OBox& e)
 {
     return contentOnly(c, e.e);
 }
-
-KTypoNodePtr layoutDelimiter(const KLayoutContext& c, const ODelimiter& e)
-{
-    return contentOnly(c, e.e);
-}
-KTypoNodePtr layoutAccent(const KLayoutContext& c, const OAccent& e)
-{
-    return contentOnly(c, e.e);
-}
-KTypoNodePtr layoutBar(const KLayoutContext& c, const OBar& e)
-{
-    return contentOnly(c, e.e);
-}
-KTypoNodePtr layoutBorderBox(const KLayoutContext& c, const OBorderBox& e)
-{
-    return contentOnly(c, e.e);
-}
-KTypoNodePtr layoutGroupChar(const KLayoutContext& c, const OGroupChar& e)
-{
-    return contentOnly(c, e.e);
-}
-KTypoNodePtr layoutMatrix(const KLayoutContext&, const OMatrix&)
-{
-    return nullptr;
-}
-KTypoNodePtr layoutEquationArray(const KLayoutContext&, const OEquationArray&)
-{
-    return nullptr;
-}
