@@ -29,32 +29,31 @@ QByteArray jsonText(const QJsonValue& value)
     return array.mid(1, array.size() - 2);
 }
 
-BatchItem parseLine(const QByteArray& line, int lineNumber)
+// A line read as JSON: an object with a string "input" and an optional "id", or a
+// bare JSON string.
+BatchItem parseJsonLine(const QByteArray& line, int lineNumber)
 {
     BatchItem item;
     item.id = QByteArray::number(lineNumber);
-    if (line.startsWith('"')) {
-        QJsonParseError error;
-        const QJsonDocument document = QJsonDocument::fromJson('[' + line + ']', &error);
-        if (error.error != QJsonParseError::NoError || document.array().size() != 1 ||
-            !document.array().at(0).isString()) {
-            item.error = QStringLiteral("not a JSON string");
-        } else {
-            item.input = document.array().at(0).toString();
-        }
-        return item;
-    }
-    if (!line.startsWith('{')) {
-        item.input = QString::fromUtf8(line);
-        return item;
-    }
+    // Wrapping the line in an array lets one parser accept both forms.
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(line, &error);
-    if (error.error != QJsonParseError::NoError) {
-        item.error = QStringLiteral("invalid JSON: %1").arg(error.errorString());
+    const QJsonDocument document = QJsonDocument::fromJson('[' + line + ']', &error);
+    if (error.error != QJsonParseError::NoError || document.array().size() != 1) {
+        item.error = QStringLiteral("invalid JSON: %1")
+                         .arg(error.error != QJsonParseError::NoError ? error.errorString()
+                                                                      : QStringLiteral("not one value"));
         return item;
     }
-    const QJsonObject object = document.object();
+    const QJsonValue value = document.array().at(0);
+    if (value.isString()) {
+        item.input = value.toString();
+        return item;
+    }
+    if (!value.isObject()) {
+        item.error = QStringLiteral("a line must be a JSON object or string");
+        return item;
+    }
+    const QJsonObject object = value.toObject();
     if (object.contains(QLatin1String("id")))
         item.id = jsonText(object.value(QLatin1String("id")));
     if (!object.value(QLatin1String("input")).isString())
@@ -73,7 +72,7 @@ QByteArray resultLine(const BatchItem& item, const QString& output)
     return line + ",\"output\":" + jsonText(output) + '}';
 }
 
-std::vector<BatchItem> readItems(QIODevice& in)
+std::vector<BatchItem> readItems(QIODevice& in, bool jsonl)
 {
     std::vector<BatchItem> items;
     const QList<QByteArray> lines = in.readAll().split('\n');
@@ -81,8 +80,17 @@ std::vector<BatchItem> readItems(QIODevice& in)
         QByteArray line = lines.at(i);
         if (line.endsWith('\r'))
             line.chop(1);
-        if (!line.isEmpty())
-            items.push_back(parseLine(line, i + 1));
+        if (line.isEmpty())
+            continue;
+        if (jsonl) {
+            items.push_back(parseJsonLine(line, i + 1));
+        } else {
+            // A plain line is the input as it stands, whatever its first character.
+            BatchItem item;
+            item.id = QByteArray::number(i + 1);
+            item.input = QString::fromUtf8(line);
+            items.push_back(std::move(item));
+        }
     }
     return items;
 }
@@ -92,7 +100,7 @@ std::vector<BatchItem> readItems(QIODevice& in)
 int runBatch(QIODevice& in, QTextStream& out, QTextStream& err, const BatchOptions& options,
              const BatchConversion& convert)
 {
-    const std::vector<BatchItem> items = readItems(in);
+    const std::vector<BatchItem> items = readItems(in, options.jsonl);
     const int total = int(items.size());
     std::vector<std::optional<QString>> results(items.size());
     std::atomic<int> next{0};

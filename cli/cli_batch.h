@@ -1,5 +1,6 @@
 #pragma once
-// `formulaconv batch OP`: one conversion over many inputs, JSON Lines in and out.
+// `formulaconv batch OP`: one conversion over many inputs, one per line in (plain text,
+// or JSON Lines with --jsonl), JSON Lines out.
 
 #include <QIODevice>
 #include <QString>
@@ -10,6 +11,7 @@
 struct BatchOptions {
     int jobs = 1;          // worker threads
     bool progress = false; // show a progress line on the error stream
+    bool jsonl = false;    // each line is JSON (an object with "input", or a string)
 };
 
 // One conversion; called from several threads at once.

@@ -30,7 +30,10 @@ const char kUsage[] =
     "  lint         diagnostics of lexing and parsing LaTeX (--json for JSON Lines)\n"
     "  ast          the LaTeX syntax tree, indented\n"
     "  layout       the typeset tree as JSON (--size PT, --omml, --pretty)\n"
-    "  batch OP     runs OP over JSON Lines or plain lines from standard input (--jobs N)\n"
+    "  batch OP     runs OP (one of the six above) on each line of standard input, one\n"
+    "               JSON object out per line (--jobs N, --size PT); each line is the input\n"
+    "               as it stands, or with --jsonl a JSON object {\"input\": ..., \"id\": ...}\n"
+    "               or a JSON string\n"
     "\n"
     "Input is TEXT, or standard input when TEXT is absent or '-'; --file PATH reads a file.\n"
     "'--' ends the options. Exit status: 0 result written, 1 empty result, 2 usage error.\n"
@@ -45,6 +48,7 @@ struct Options {
     QString file;
     double size = 12.0;
     bool json = false;
+    bool jsonl = false;
     bool omml = false;
     bool pretty = false;
     int jobs = 0;
@@ -106,6 +110,8 @@ QString parseOptions(const QStringList& args, Options& options)
                 return QStringLiteral("--jobs needs a positive number");
         } else if (arg == QLatin1String("--json")) {
             options.json = true;
+        } else if (arg == QLatin1String("--jsonl")) {
+            options.jsonl = true;
         } else if (arg == QLatin1String("--omml")) {
             options.omml = true;
         } else if (arg == QLatin1String("--pretty")) {
@@ -180,6 +186,7 @@ int runBatchCommand(const Options& options)
     BatchOptions batch;
     batch.jobs = options.jobs > 0 ? options.jobs : std::max(1, QThread::idealThreadCount());
     batch.progress = isatty(fileno(stderr));
+    batch.jsonl = options.jsonl;
     return runBatch(in, out, err, batch, [&](const QString& input) { return convert(options, input); });
 }
 
@@ -234,6 +241,8 @@ int main(int argc, char** argv)
         return usageError(error);
     if (batch)
         return runBatchCommand(options);
+    if (options.jsonl)
+        return usageError(QStringLiteral("--jsonl applies to batch only"));
     const std::optional<QString> input = readInput(options);
     if (!input)
         return usageError(QStringLiteral("cannot read file '%1'").arg(options.file));

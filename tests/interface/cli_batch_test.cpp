@@ -1,11 +1,20 @@
-// `formulaconv batch`: JSON Lines and plain lines in, one JSON object per input
-// line out, in input order whatever the number of threads.
+// `formulaconv batch`: plain lines (or JSON Lines with --jsonl) in, one JSON object
+// per input line out, in input order whatever the number of threads.
 
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 
 #include <gtest/gtest.h>
+
+#include <ostream>
+
+// Result lines print as text when a comparison fails.
+inline void PrintTo(const QByteArray& bytes, std::ostream* os)
+{
+    *os << bytes.constData();
+}
 
 namespace {
 
@@ -30,17 +39,20 @@ BatchRun runBatch(const QStringList& args, const QByteArray& input)
             process.readAllStandardError()};
 }
 
-TEST(CliBatch, EachInputFormGivesOneResultLine)
+TEST(CliBatch, JsonLinesEachFormGivesOneResultLine)
 {
     const QByteArray input = "{\"id\":\"a\",\"input\":\"<m:oMathPara>x</m:oMathPara>\"}\n"
                              "\"<m:oMathPara>\\u00e9\\ud835\\udc65</m:oMathPara>\"\n"
-                             "plain <m:oMathPara/> without a closing tag\r\n"
+                             "\"plain <m:oMathPara/> without a closing tag\"\r\n"
                              "\n"
                              "{\"input\":3}\n"
                              "{not json\n"
                              "\"unterminated\n"
+                             "plain text\n"
+                             "42\n"
+                             "\"a\", \"b\"\n"
                              "{\"id\":[1,2],\"input\":\"<m:oMathPara>q</m:oMathPara>\"}";
-    const BatchRun run = runBatch({"extract"}, input);
+    const BatchRun run = runBatch({"extract", "--jsonl"}, input);
     EXPECT_EQ(run.exitCode, 0);
     const QList<QByteArray> expected = {
         R"({"id":"a","ok":true,"output":"<m:oMathPara>x</m:oMathPara>"})",
@@ -48,11 +60,72 @@ TEST(CliBatch, EachInputFormGivesOneResultLine)
         R"({"id":3,"ok":false,"output":""})",
         R"({"id":5,"ok":false,"error":"\"input\" must be a string"})",
         R"({"id":6,"ok":false,"error":"invalid JSON: unterminated object"})",
-        R"({"id":7,"ok":false,"error":"not a JSON string"})",
+        R"({"id":7,"ok":false,"error":"invalid JSON: unterminated string"})",
+        R"({"id":8,"ok":false,"error":"invalid JSON: illegal number"})",
+        R"({"id":9,"ok":false,"error":"a line must be a JSON object or string"})",
+        R"({"id":10,"ok":false,"error":"invalid JSON: not one value"})",
         R"({"id":[1,2],"ok":true,"output":"<m:oMathPara>q</m:oMathPara>"})",
     };
     EXPECT_EQ(run.lines, expected);
-    EXPECT_TRUE(run.err.startsWith("7 inputs, 4 empty, ")) << run.err.constData();
+    EXPECT_TRUE(run.err.startsWith("10 inputs, 7 empty, ")) << run.err.constData();
+}
+
+TEST(CliBatch, PlainLinesAreInputsWhateverTheirFirstCharacter)
+{
+    // Without --jsonl nothing is read as JSON: braces, quotes and brackets are formula text.
+    const QByteArray input = "<m:oMathPara>{</m:oMathPara>\n"
+                             "{\"input\":\"<m:oMathPara>x</m:oMathPara>\"}\n"
+                             "\"<m:oMathPara>\\u00e9</m:oMathPara>\"\r\n"
+                             "\n"
+                             "no paragraph here\n"
+                             "<m:oMathPara>\xF0\x9D\x91\xA5</m:oMathPara>";
+    const BatchRun run = runBatch({"extract"}, input);
+    EXPECT_EQ(run.exitCode, 0);
+    const QList<QByteArray> expected = {
+        R"({"id":1,"ok":true,"output":"<m:oMathPara>{</m:oMathPara>"})",
+        R"({"id":2,"ok":true,"output":"<m:oMathPara>x</m:oMathPara>"})",
+        R"({"id":3,"ok":true,"output":"<m:oMathPara>\\u00e9</m:oMathPara>"})",
+        R"({"id":5,"ok":false,"output":""})",
+        "{\"id\":6,\"ok\":true,\"output\":\"<m:oMathPara>\xF0\x9D\x91\xA5</m:oMathPara>\"}",
+    };
+    EXPECT_EQ(run.lines, expected);
+    EXPECT_TRUE(run.err.startsWith("5 inputs, 1 empty, ")) << run.err.constData();
+}
+
+TEST(CliBatch, LatexLinesStartingWithBraceOrQuoteConvert)
+{
+    const BatchRun run = runBatch({"latex2omml"}, "{ \\bf K }_3 = 1\n{}^{6}\\mathrm{Li}\n\"x\"\n");
+    ASSERT_EQ(run.lines.size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        const QJsonObject object = QJsonDocument::fromJson(run.lines[i]).object();
+        EXPECT_EQ(object.value("id").toInt(), i + 1);
+        EXPECT_TRUE(object.value("ok").toBool()) << run.lines[i].constData();
+        EXPECT_TRUE(object.value("output").toString().startsWith("<m:oMathPara")) << run.lines[i].constData();
+    }
+}
+
+// Every formula of the corpus, one per line as the files hold them, gives one
+// successful result line, in order, numbered by its line.
+TEST(CliBatch, WholeCorpusAsPlainLines)
+{
+    for (const char* name : {"arxiv-formulas.txt", "wikipedia-formulas.txt"}) {
+        QFile file(QStringLiteral(FC_CORPUS_DIR "/") + QLatin1String(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        const QByteArray content = file.readAll();
+        const int formulas = content.count('\n') + (content.endsWith('\n') ? 0 : 1);
+        const BatchRun run = runBatch({"latex2omml", "--jobs", "2"}, content);
+        EXPECT_EQ(run.exitCode, 0);
+        ASSERT_EQ(run.lines.size(), formulas) << name;
+        for (int i = 0; i < formulas; ++i) {
+            const QJsonObject object = QJsonDocument::fromJson(run.lines[i]).object();
+            ASSERT_EQ(object.value("id").toInt(), i + 1) << name << ": " << run.lines[i].constData();
+            ASSERT_TRUE(object.value("ok").toBool()) << name << ": " << run.lines[i].constData();
+            ASSERT_TRUE(object.value("output").toString().startsWith("<m:oMathPara"))
+                << name << ": " << i + 1;
+        }
+        EXPECT_TRUE(run.err.startsWith(QByteArray::number(formulas) + " inputs, 0 empty, "))
+            << run.err.constData();
+    }
 }
 
 TEST(CliBatch, ManyThreadsKeepInputOrder)
@@ -79,8 +152,9 @@ TEST(CliBatch, EmptyInputWritesNothingButTheSummary)
 
 TEST(CliBatch, UsageErrors)
 {
-    for (const QStringList& args : {QStringList{}, QStringList{"lint"}, QStringList{"wrap", "--jobs", "0"},
-                                    QStringList{"wrap", "TEXT"}, QStringList{"wrap", "--bogus"}}) {
+    for (const QStringList& args :
+         {QStringList{}, QStringList{"lint"}, QStringList{"wrap", "--jobs", "0"}, QStringList{"wrap", "TEXT"},
+          QStringList{"wrap", "--bogus"}, QStringList{"wrap", "--jsonl", "--jobs"}}) {
         const BatchRun run = runBatch(args, "x\n");
         EXPECT_EQ(run.exitCode, 2) << args.join(' ').toStdString();
         EXPECT_TRUE(run.lines.isEmpty());
