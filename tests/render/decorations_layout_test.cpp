@@ -34,6 +34,10 @@ struct AccentCase {
     QString base;
     bool stretched;
 };
+void PrintTo(const AccentCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
 
 class AccentLayout : public ::testing::TestWithParam<AccentCase> {};
 
@@ -187,6 +191,10 @@ struct BoxCase {
     bool hideTop, hideBot, hideLeft, hideRight, strikeH, strikeV, strikeBLTR, strikeTLBR;
     std::vector<Side> drawn; // in drawing order; empty: no stroke node at all
 };
+void PrintTo(const BoxCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
 
 class BorderBoxLayout : public ::testing::TestWithParam<BoxCase> {};
 
@@ -298,6 +306,10 @@ struct BraceCase {
     OPosition pos;
     bool tipDown;
 };
+void PrintTo(const BraceCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
 
 class GroupCharLayout : public ::testing::TestWithParam<BraceCase> {};
 

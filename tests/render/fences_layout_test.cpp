@@ -29,6 +29,10 @@ struct FenceCase {
     double begFactor; // 0 when no fence is drawn on that side
     double endFactor;
 };
+void PrintTo(const FenceCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
 
 class DelimiterFences : public ::testing::TestWithParam<FenceCase> {};
 
@@ -105,6 +109,10 @@ struct EmptyBodyCase {
     const char* name;
     KOmmlNodeList (*body)();
 };
+void PrintTo(const EmptyBodyCase& c, std::ostream* os)
+{
+    *os << c.name;
+}
 
 class DelimiterPlaceholder : public ::testing::TestWithParam<EmptyBodyCase> {};
 
