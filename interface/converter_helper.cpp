@@ -7,6 +7,7 @@
 #include "omml/omml_reader.h"
 #include "omml/omml_writer.h"
 #include "omml2latex/omml_to_latex.h"
+#include "render/render.h"
 
 #include <QRegularExpression>
 #include <QXmlStreamWriter>
@@ -75,16 +76,28 @@ QString KFormulaConverterHelper::wrapInWordDocument(const QString& omml) const
 
 QString KFormulaConverterHelper::latexToSvg(QStringView latex, double fontSize) const
 {
-    Q_UNUSED(fontSize);
     if (latex.isEmpty())
         return {};
-    return {};
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr tree = parseLatex(latex, diagnostics, KLatexParser::kItemLimit);
+    if (!tree)
+        return {};
+    // Render mode: unknown commands show in red.
+    KLatexAst2Omml converter;
+    converter.prepare(true);
+    if (!latexAs<KLatexGroup>(tree.get()))
+        return {};
+    const KOmmlNodePtr equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
+    return renderEquation(equation.get(), fontSize);
 }
 
 QString KFormulaConverterHelper::ommlToSvg(QStringView omml, double fontSize) const
 {
-    Q_UNUSED(fontSize);
     if (omml.isEmpty())
         return {};
-    return {};
+    const KOmmlNodePtr root = readOmmlDocument(omml.toString());
+    const auto* paragraph = ommlAs<OMathParagraph>(root.get());
+    if (!paragraph)
+        return {};
+    return renderEquation(paragraph->equation.get(), fontSize);
 }

@@ -51,6 +51,11 @@ void setBox(KTypoNode& node, double width, double ascent, double bottom)
     node.height = ascent + bottom;
 }
 
+bool isEmptyList(const KOmmlNodeList& list)
+{
+    return std::none_of(list.begin(), list.end(), [](const KOmmlNodePtr& node) { return node != nullptr; });
+}
+
 std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmmlNodeList& list)
 {
     auto line = makeContainer(context);

@@ -32,6 +32,8 @@ void setBox(KTypoNode& node, double width, double ascent, double bottom);
 
 // Lays out a child list as a horizontal list; always a container (empty for an empty list).
 std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmmlNodeList& list);
+// True when the list holds no element (null entries do not count).
+bool isEmptyList(const KOmmlNodeList& list);
 // Lays out one element by its kind; null for kinds that draw nothing and past the depth guard.
 KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node);
 

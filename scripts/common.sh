@@ -3,7 +3,8 @@ set -euo pipefail
 
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${FORMULACONV_BUILD_DIR:-$ROOT/build}"
-PACKAGES=(cmake ninja-build g++ qtbase5-dev libqt5svg5-dev fonts-liberation libgtest-dev)
+PACKAGES=(cmake ninja-build g++ qtbase5-dev libqt5svg5-dev libgtest-dev fontconfig fonts-liberation fonts-stix
+    fonts-dejavu-core librsvg2-bin)
 
 ensure_packages() {
     local missing=()

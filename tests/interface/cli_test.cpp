@@ -57,6 +57,23 @@ TEST(Cli, EmptyResultExitsOneWithAReason)
     EXPECT_TRUE(e.out.isEmpty());
 }
 
+TEST(Cli, RenderOperationsPrintAnSvgDocument)
+{
+    const CliResult latex = runCli({"latex2svg", "\\frac{a}{b}"});
+    EXPECT_EQ(latex.exitCode, 0);
+    EXPECT_TRUE(latex.out.startsWith("<?xml")) << latex.out.constData();
+    EXPECT_TRUE(latex.out.contains("<title>Math Formula</title>"));
+    const QByteArray omml = runCli({"latex2omml", "x^2"}).out;
+    const CliResult small = runCli({"omml2svg", QString::fromUtf8(omml)});
+    const CliResult large = runCli({"omml2svg", "--size", "36", QString::fromUtf8(omml)});
+    EXPECT_EQ(small.exitCode, 0);
+    EXPECT_EQ(large.exitCode, 0);
+    EXPECT_TRUE(small.out.contains("</svg>"));
+    EXPECT_GT(large.out.size(), 0);
+    EXPECT_NE(small.out, large.out);
+    EXPECT_EQ(runCli({"latex2svg", "--size", "5000", "x"}).exitCode, 1); // above the largest size
+}
+
 TEST(Cli, UsageErrorsExitTwo)
 {
     const QStringList cases[] = {{},
