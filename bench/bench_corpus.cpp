@@ -30,9 +30,13 @@ QStringList readCorpus(const QString& dir)
     return formulas;
 }
 
+QString g_only;
+
 void measure(const char* name, const QStringList& inputs, int rounds,
              const std::function<QString(const QString&)>& operation)
 {
+    if (!g_only.isEmpty() && g_only != QLatin1String(name))
+        return;
     qint64 produced = 0;
     QElapsedTimer timer;
     timer.start();
@@ -57,7 +61,9 @@ int main(int argc, char** argv)
     int rounds = 1;
     const QStringList args = app.arguments().mid(1);
     for (int i = 0; i < args.size(); ++i) {
-        if (args[i] == QLatin1String("--rounds") && i + 1 < args.size())
+        if (args[i] == QLatin1String("--only") && i + 1 < args.size())
+            g_only = args[++i];
+        else if (args[i] == QLatin1String("--rounds") && i + 1 < args.size())
             rounds = std::max(1, args[++i].toInt());
         else
             dir = args[i];

@@ -38,7 +38,7 @@ INSTANTIATE_TEST_SUITE_P(
                   matrix({"right", "left", "right"}, {{a, r("=b"), ""}, {c}})},
         LatexCase{"\\begin{align*}a\\end{align*}\\begin{gather}b\\end{gather}\\begin{split}c&d\\end{split}",
                   matrix({"right"}, {{a}}) + matrix({"right"}, {{b}}) + matrix({"right", "left"}, {{c, dd}})},
-        LatexCase{"\\begin{Bmatrix}a\\end{Bmatrix}", ""},
+        LatexCase{"\\begin{Bmatrix}a\\end{Bmatrix}", d("{", "}", matrix(centre, {{a}}))},
         LatexCase{"\\begin{pmatrix}\xF0\x9D\x84\x9E\\end{pmatrix}",
                   d("(", ")", matrix(centre, {{r(QString::fromUtf8("\xF0\x9D\x84\x9E"))}}))}));
 
@@ -55,11 +55,12 @@ INSTANTIATE_TEST_SUITE_P(
     BigDelimiters, LatexToOmml,
     ::testing::Values(
         LatexCase{"\\bigl{(} x \\bigr{)}", d("(", "", bigStrut) + r("x") + d("", ")", bigStrut)},
-        // Without braces the delimiter is no argument and stays an ordinary character.
-        LatexCase{"\\bigl( x \\bigr)", r("(x)")}, LatexCase{"\\big{[}", d("[", "", bigStrut)},
-        LatexCase{"\\bigm{|}", d("|", "", bigStrut)}, LatexCase{"\\Bigl{(}", d("(", "", BigStrut)},
-        LatexCase{"\\Bigr{.}", d("", ".", BigStrut)}, LatexCase{"\\bigg{(}", d("(", "", biggStrut)},
-        LatexCase{"\\Biggr{]}", d("", "]", biggStrut)}, LatexCase{"\\Big{\\|}", d(kDoubleBar, "", BigStrut)},
+        // Without braces the delimiter is still the argument, as TeX reads it.
+        LatexCase{"\\bigl( x \\bigr)", d("(", "", bigStrut) + r("x") + d("", ")", bigStrut)},
+        LatexCase{"\\big{[}", d("[", "", bigStrut)}, LatexCase{"\\bigm{|}", d("|", "", bigStrut)},
+        LatexCase{"\\Bigl{(}", d("(", "", BigStrut)}, LatexCase{"\\Bigr{.}", d("", ".", BigStrut)},
+        LatexCase{"\\bigg{(}", d("(", "", biggStrut)}, LatexCase{"\\Biggr{]}", d("", "]", biggStrut)},
+        LatexCase{"\\Big{\\|}", d(kDoubleBar, "", BigStrut)},
         LatexCase{"\\mathbf{\\bigl{(}}", d("(", "", bigStrut)}, LatexCase{"\\big{}", ""},
         LatexCase{"\\Big", ""}, LatexCase{"\\big{\\frac{a}{b}}", frac(a, b)}));
 
