@@ -58,6 +58,15 @@ bool isFixedWidthAccent(QChar c)
     }
 }
 
+// The tight ink box of the accent character around its origin. A single
+// character is measured by its glyph: shaped as a lone string, a combining mark
+// (which most accents are) reports no ink at all, although its glyph has ink,
+// above the base and left of the origin.
+QRectF accentInk(const QFontMetricsF& metrics, const QString& chr)
+{
+    return chr.size() == 1 ? metrics.boundingRect(chr.at(0)) : metrics.tightBoundingRect(chr);
+}
+
 // ---- bars, boxes, braces ----
 
 constexpr double kBarThickness = 0.05;  // × S, at least 1 pt
@@ -118,8 +127,7 @@ KTypoNodePtr layoutAccent(const KLayoutContext& context, const OAccent& accent)
     const double d = base->bottom;
     const QString chr = accent.chr.isEmpty() ? QString(QChar(kDefaultAccent)) : accent.chr;
 
-    // The ink of the accent character, which for a combining mark lies left of its origin.
-    QRectF ink = context.metrics.tightBoundingRect(chr);
+    QRectF ink = accentInk(context.metrics, chr);
     double inkBottom = ink.y() + ink.height();
     if (!std::isfinite(ink.width()) || !(ink.width() >= kAccentInkFloor * size)) {
         const double half = kAccentFallback * size / 2;

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QPainterPath>
+#include <QTransform>
+
 #include <cmath>
 
 namespace {
@@ -52,8 +55,8 @@ TEST_P(AccentLayout, SitsCentredAboveTheBaseAndStretchesUnlessFixedWidth)
     const auto& glyph = static_cast<const KTypoGrowGlyph&>(*node->children[0]);
     const KTypoNode& base = *node->children[1];
     const QString chr = c.chr.isEmpty() ? QStringLiteral("\u0302") : c.chr;
-    const QRectF ink = context.metrics.tightBoundingRect(chr);
-    ASSERT_GE(ink.width(), 0.01 * size) << "the font has no ink for this accent";
+    const AccentInk measured = accentInk(context, chr);
+    const QRectF ink = measured.rect;
     const double w = runWidth(context, c.base);
 
     EXPECT_EQ(glyph.kind, kTypoGrow);
@@ -67,10 +70,10 @@ TEST_P(AccentLayout, SitsCentredAboveTheBaseAndStretchesUnlessFixedWidth)
     EXPECT_NEAR(glyph.scaleX, expectedScale, kEps);
     EXPECT_NEAR(glyph.width, ink.width() * expectedScale, kEps);
     EXPECT_NEAR(glyph.ascent, -ink.y(), kEps);
-    EXPECT_NEAR(glyph.bottom, ink.y() + ink.height(), kEps);
+    EXPECT_NEAR(glyph.bottom, measured.bottom, kEps);
 
     const double width = std::max(glyph.width, w);
-    const double top = -lineAscent(context) - 0.05 * size - ink.height();
+    const double top = -lineAscent(context) - 0.05 * size - (measured.bottom - ink.y());
     EXPECT_NEAR(node->width, width, kEps);
     EXPECT_NEAR(node->ascent, -top, kEps);
     EXPECT_NEAR(node->bottom, context.metrics.descent(), kEps);
@@ -108,8 +111,35 @@ TEST(AccentLayout, WideBaseHatMatchesTheBaseWidthWhileADotKeepsItsOwn)
     const KTypoNodePtr dot = layoutOne(context, accentOver("\u0307", "abcdefgh"));
     ASSERT_TRUE(hat && dot);
     EXPECT_NEAR(hat->children[0]->width, w, 1e-6);
-    EXPECT_NEAR(dot->children[0]->width, context.metrics.tightBoundingRect("\u0307").width(), kEps);
+    EXPECT_NEAR(dot->children[0]->width, accentInk(context, "\u0307").rect.width(), kEps);
     EXPECT_LT(dot->children[0]->width, w / 4);
+}
+
+// What a reader sees: the mark's ink, drawn where the painter draws a stretched
+// glyph, lies centred over the base and clear above it, inside the accent's box.
+TEST(AccentLayout, CombiningMarksAreDrawnCentredJustAboveTheBase)
+{
+    const double size = 40;
+    const KLayoutContext context = makeLayoutContext(size);
+    for (const char* mark : {"\u0302", "\u0303", "\u0304", "\u0307", "\u0308", "\u20D7", "\u030C"}) {
+        for (const char* base : {"x", "AB", "wwwwww"}) {
+            const KTypoNodePtr node = layoutOne(context, accentOver(QString::fromUtf8(mark), base));
+            ASSERT_TRUE(node);
+            const auto& glyph = static_cast<const KTypoGrowGlyph&>(*node->children[0]);
+            const KTypoNode& e = *node->children[1];
+            QPainterPath ink;
+            ink.addText(0, 0, context.font, glyph.text);
+            const QRectF drawn = QTransform()
+                                     .translate(glyph.x, glyph.y + glyph.ascent)
+                                     .scale(glyph.scaleX, 1)
+                                     .map(ink)
+                                     .boundingRect();
+            // Within a pixel or two, stretched with the mark: the metrics are hinted, the outline is not.
+            EXPECT_NEAR(drawn.center().x(), e.x + e.width / 2, 2.0 * glyph.scaleX) << mark << base;
+            EXPECT_GT(drawn.top(), -2.0) << mark << base;
+            EXPECT_LT(drawn.bottom(), e.y) << mark << base;
+        }
+    }
 }
 
 TEST(AccentLayout, InklessCharacterFallsBackToAHalfEmBox)
@@ -135,11 +165,12 @@ TEST(AccentLayout, EmptyBaseStillCarriesTheAccent)
     const KTypoNodePtr node = layoutOne(context, accentOver("\u0302", QString()));
     ASSERT_TRUE(node);
     const auto& glyph = static_cast<const KTypoGrowGlyph&>(*node->children[0]);
-    const QRectF ink = context.metrics.tightBoundingRect("\u0302");
+    const AccentInk measured = accentInk(context, "\u0302");
+    const QRectF ink = measured.rect;
     EXPECT_NEAR(glyph.scaleX, std::min(100.0, std::max(0.5, 6.0 / ink.width())), kEps);
     EXPECT_NEAR(node->width, glyph.width, kEps);
     // An empty base has no ascent: the accent rests 0.05 S above the baseline.
-    EXPECT_NEAR(node->ascent, 0.6 + ink.height(), kEps);
+    EXPECT_NEAR(node->ascent, 0.6 + measured.bottom - ink.y(), kEps);
 }
 
 // ---- bars ----

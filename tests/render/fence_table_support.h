@@ -9,6 +9,7 @@
 #include <QPainterPath>
 #include <QString>
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -42,6 +43,23 @@ inline double lineAscent(const KLayoutContext& context)
 inline double lineHeight(const KLayoutContext& context)
 {
     return context.metrics.ascent() + context.metrics.descent();
+}
+
+// The ink box an accent is measured by: the glyph's ink box for one character,
+// the shaped text's for more; when there is no ink, a box half an em wide and a
+// quarter em high resting on the baseline around the origin.
+struct AccentInk {
+    QRectF rect;
+    double bottom;
+};
+inline AccentInk accentInk(const KLayoutContext& context, const QString& chr)
+{
+    const QRectF tight =
+        chr.size() == 1 ? context.metrics.boundingRect(chr.at(0)) : context.metrics.tightBoundingRect(chr);
+    if (std::isfinite(tight.width()) && tight.width() >= 0.01 * context.size)
+        return {tight, tight.y() + tight.height()};
+    const double s = context.size;
+    return {QRectF(-0.25 * s, -0.25 * s, 0.5 * s, 0.25 * s), 0};
 }
 
 // Straight segments of a path made of move/line pairs, as (x1, y1, x2, y2).

@@ -129,7 +129,8 @@ TEST(MatrixLayout, RaggedRowsLeaveTheirMissingCellsEmpty)
     const KTypoNodePtr node = layoutMatrixOf(context, std::move(rows));
     ASSERT_TRUE(node);
     EXPECT_EQ(node->children.size(), 4u);
-    const double widths = runWidth(context, "a") + runWidth(context, "b") + runWidth(context, "c");
+    const double widths = std::max(runWidth(context, "a"), runWidth(context, "d")) + runWidth(context, "b") +
+                          runWidth(context, "c");
     EXPECT_NEAR(node->width, widths + 3 * 3 + 2 * 3, kEps);
 }
 
