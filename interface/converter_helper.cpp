@@ -10,7 +10,6 @@
 #include "render/render.h"
 
 #include <QRegularExpression>
-#include <QXmlStreamWriter>
 
 QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
 {
@@ -25,16 +24,10 @@ QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
     converter.prepare(false);
     if (!latexAs<KLatexGroup>(tree.get()))
         return {};
-    QString result;
-    {
-        OMathParagraph paragraph;
-        paragraph.justification = OJustification::centerGroup;
-        paragraph.equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
-        QXmlStreamWriter xml(&result);
-        xml.setAutoFormatting(false);
-        writeOmmlParagraph(paragraph, xml);
-    }
-    return result;
+    OMathParagraph paragraph;
+    paragraph.justification = OJustification::centerGroup;
+    paragraph.equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
+    return ommlParagraphToXml(paragraph);
 }
 
 QString KFormulaConverterHelper::ommlToLatex(QStringView omml) const

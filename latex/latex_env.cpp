@@ -3,15 +3,11 @@
 #include "latex/latex_env.h"
 #include "latex/latex_parser.h"
 #include "latex/parser_messages.h"
+#include "latex/parser_support.h"
 
 using namespace latexmsg;
 
 namespace {
-
-bool isCommandToken(const Token& token, const char* name)
-{
-    return token.kind == TokenKind::Command && token.text == QLatin1String(name);
-}
 
 bool endsCell(const Token& token)
 {

@@ -243,16 +243,29 @@ void KLatexLexer::readControlSequence()
         append(TokenKind::Command, std::move(symbol), start, 2);
         return;
     }
-    QString text(QLatin1Char('\\'));
-    text.append(next);
-    append(TokenKind::Char, std::move(text), start, 2);
+    // A backslash before a character outside the Basic Multilingual Plane escapes the whole character.
+    if (startsSurrogatePair(m_position - 1))
+        ++m_position;
+    append(TokenKind::Char, m_source.mid(start, m_position - start).toString(), start, m_position - start);
 }
 
 void KLatexLexer::readSingleCodeUnit()
 {
     const int start = m_position;
+    if (startsSurrogatePair(m_position)) {
+        // One character outside the Basic Multilingual Plane is one token, so that a script or an
+        // unbraced argument takes the whole character and not half of it.
+        m_position += 2;
+        append(TokenKind::Char, m_source.mid(start, 2).toString(), start, 2);
+        return;
+    }
     const QChar c = m_source[m_position++];
     append(isDigit(c) ? TokenKind::Digit : TokenKind::Char, QString(c), start, 1);
+}
+
+bool KLatexLexer::startsSurrogatePair(int at) const
+{
+    return at + 1 < m_end && m_source[at].isHighSurrogate() && m_source[at + 1].isLowSurrogate();
 }
 
 void KLatexLexer::skipColourSpace()

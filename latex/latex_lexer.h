@@ -28,6 +28,7 @@ private:
     bool readColourValue();
     bool readBracketedColour();
     void readSingleCodeUnit();
+    bool startsSurrogatePair(int at) const;
     void skipColourSpace();
     void append(TokenKind kind, QString text, int pos, int len, bool starred = false);
     void warn(const QString& code, const QString& message, int pos, int len);

@@ -2,27 +2,11 @@
 
 #include "latex/latex_lexer.h"
 #include "latex/parser_messages.h"
+#include "latex/parser_support.h"
 
 using namespace latexmsg;
 
 namespace {
-
-// Keeps the nesting counter right on every way out of a function.
-class DepthScope {
-public:
-    explicit DepthScope(int& depth) : m_depth(depth) { ++m_depth; }
-    ~DepthScope() { --m_depth; }
-    DepthScope(const DepthScope&) = delete;
-    DepthScope& operator=(const DepthScope&) = delete;
-
-private:
-    int& m_depth;
-};
-
-bool isCommandToken(const Token& token, const char* name)
-{
-    return token.kind == TokenKind::Command && token.text == QLatin1String(name);
-}
 
 // Operators that split the brace group they stand in into a numerator and a denominator.
 bool isInfixFraction(const QString& name)

@@ -50,6 +50,11 @@ public:
 
     // Reads the arguments that follow an already consumed command token.
     KLatexArgs parseCommandArgs(ArgShape shape, const QString& name);
+    // A brace group, or else one character or one control sequence with its own arguments, held in
+    // a group; null (nothing consumed) where no argument can start.
+    KLatexNodePtr parseMandatoryArgument();
+    // A brace group, or else a TeX dimension (signs, a number and a unit, or a length command).
+    KLatexNodePtr parseDimensionArgument();
 
     int itemLimit() const { return m_itemLimit; }
     const LatexDiagnostics& diagnostics() const { return m_diagnostics; }

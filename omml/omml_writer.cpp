@@ -2,11 +2,20 @@
 
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
 namespace {
 
 // Past this depth the remaining subtree is left out; the producers never build
 // trees this deep, so it only guards against a stack overflow.
 constexpr int kMaxWriteDepth = 2000;
+
+// Room reserved up front for a paragraph: a short formula's OMML fits, so the
+// text is not regrown many times while it is written.
+constexpr int kTypicalParagraphSize = 4096;
 
 bool isXmlChar(char32_t c)
 {
@@ -124,9 +133,204 @@ QString positionText(OPosition position)
     return position == OPosition::bottom ? QStringLiteral("bot") : QStringLiteral("top");
 }
 
-class KOmmlXmlWriter {
+// Appends XML text straight to a string with the same output as a
+// QXmlStreamWriter without auto-formatting: the same escaping, an element
+// closed with nothing written in it comes out self-closing, and an element
+// holding a text (even an empty one) gets separate start and end tags. Names
+// are written as given; no namespace processing. Texts are filtered of what
+// XML cannot carry while they are escaped (see xmlSafe).
+//
+// The string is grown ahead and written through a pointer; the destructor cuts
+// it to the length written.
+class KXmlTextSink {
 public:
-    explicit KOmmlXmlWriter(QXmlStreamWriter& xml) : m_xml(xml) {}
+    explicit KXmlTextSink(QString& out) : m_out(out), m_start(out.size())
+    {
+        m_open.reserve(32);
+        const int capacity = std::max(out.capacity(), m_start + kMinimumRoom);
+        m_out.resize(capacity);
+        m_pos = m_out.data() + m_start;
+        m_end = m_out.data() + m_out.size();
+    }
+    ~KXmlTextSink() { m_out.resize(int(m_pos - m_out.constData())); }
+    KXmlTextSink(const KXmlTextSink&) = delete;
+    KXmlTextSink& operator=(const KXmlTextSink&) = delete;
+
+    void writeStartElement(QStringView name)
+    {
+        finishStartTag();
+        put(u'<');
+        put(name);
+        m_open.push_back(name);
+        m_inStartTag = true;
+    }
+
+    void writeEmptyElement(QStringView name)
+    {
+        finishStartTag();
+        put(u'<');
+        put(name);
+        m_inStartTag = true;
+        m_inEmptyElement = true;
+    }
+
+    void writeAttribute(QStringView name, QStringView value)
+    {
+        put(u' ');
+        put(name);
+        put(u"=\"");
+        putEscaped(value, true);
+        put(u'"');
+    }
+
+    void writeTextElement(QStringView name, QStringView text)
+    {
+        writeStartElement(name);
+        finishStartTag();
+        putEscaped(text, false);
+        writeEndElement();
+    }
+
+    void writeEndElement()
+    {
+        if (m_open.empty())
+            return;
+        if (m_inStartTag && !m_inEmptyElement) {
+            put(u"/>");
+            m_inStartTag = false;
+            m_open.pop_back();
+            return;
+        }
+        finishStartTag();
+        put(u"</");
+        put(m_open.back());
+        put(u'>');
+        m_open.pop_back();
+    }
+
+private:
+    static constexpr int kMinimumRoom = 256;
+
+    void finishStartTag()
+    {
+        if (!m_inStartTag)
+            return;
+        if (m_inEmptyElement)
+            put(u"/>");
+        else
+            put(u'>');
+        m_inStartTag = m_inEmptyElement = false;
+    }
+
+    void reserve(int more)
+    {
+        if (Q_UNLIKELY(m_end - m_pos < more))
+            grow(more);
+    }
+
+    Q_NEVER_INLINE void grow(int more)
+    {
+        const int used = int(m_pos - m_out.constData());
+        m_out.resize(std::max(2 * m_out.size(), used + more));
+        m_pos = m_out.data() + used;
+        m_end = m_out.data() + m_out.size();
+    }
+
+    void put(char16_t c)
+    {
+        reserve(1);
+        *m_pos++ = QChar(c);
+    }
+
+    template <int N> void put(const char16_t (&literal)[N]) { put(QStringView(literal, N - 1)); }
+
+    void put(QStringView text)
+    {
+        reserve(int(text.size()));
+        std::memcpy(static_cast<void*>(m_pos), text.data(), size_t(text.size()) * sizeof(QChar));
+        m_pos += text.size();
+    }
+
+    template <int N> static QChar* copy(QChar* out, const char16_t (&literal)[N])
+    {
+        for (int i = 0; i < N - 1; ++i)
+            *out++ = QChar(literal[i]);
+        return out;
+    }
+
+    // Markup characters always become entity references; in attribute values
+    // tab, line feed and carriage return become character references so that
+    // a reader's attribute normalisation keeps them. Characters XML cannot
+    // carry are dropped.
+    void putEscaped(QStringView text, bool inAttribute)
+    {
+        constexpr int kLongestReplacement = 6; // "&quot;"
+        // Bit i set: the character i below 0x40 is written as it is.
+        constexpr quint64 kPlainAscii = 0xAFFFFFBB00000000ull;
+        reserve(int(text.size()) * kLongestReplacement);
+        QChar* out = m_pos;
+        const QChar* const end = text.data() + text.size();
+        for (const QChar* c = text.data(); c != end; ++c) {
+            const char16_t u = c->unicode();
+            if (u >= 0x40 ? u < 0xD800 : (kPlainAscii >> u) & 1) { // nothing to escape or drop
+                *out++ = *c;
+                continue;
+            }
+            switch (u) {
+            case u'<':
+                out = copy(out, u"&lt;");
+                continue;
+            case u'>':
+                out = copy(out, u"&gt;");
+                continue;
+            case u'&':
+                out = copy(out, u"&amp;");
+                continue;
+            case u'"':
+                out = copy(out, u"&quot;");
+                continue;
+            case u'\t':
+                out = inAttribute ? copy(out, u"&#9;") : copy(out, u"\t");
+                continue;
+            case u'\n':
+                out = inAttribute ? copy(out, u"&#10;") : copy(out, u"\n");
+                continue;
+            case u'\r':
+                out = inAttribute ? copy(out, u"&#13;") : copy(out, u"\r");
+                continue;
+            default:
+                break;
+            }
+            if (c->isHighSurrogate()) {
+                if (c + 1 != end && c[1].isLowSurrogate()) {
+                    *out++ = c[0];
+                    *out++ = c[1];
+                    ++c;
+                }
+                continue;
+            }
+            if (!c->isSurrogate() && isXmlChar(u))
+                *out++ = *c;
+        }
+        m_pos = out;
+    }
+
+    QString& m_out;
+    int m_start;
+    QChar* m_pos = nullptr;
+    QChar* m_end = nullptr;
+    // Names of the open elements, innermost last. They view the writer's
+    // string literals, which outlive the sink.
+    std::vector<QStringView> m_open;
+    bool m_inStartTag = false;
+    bool m_inEmptyElement = false;
+};
+
+// One handler per model kind over an XML sink: a QXmlStreamWriter, or the
+// string sink above, which gives the same text several times faster.
+template <class Xml> class KOmmlXmlWriter {
+public:
+    explicit KOmmlXmlWriter(Xml& xml) : m_xml(xml) {}
 
     void node(const KOmmlNode& node)
     {
@@ -162,7 +366,7 @@ public:
         m_xml.writeStartElement(QStringLiteral("m:r"));
         mathRunProperties(r.mathProps);
         wordRunProperties(r.wordProps);
-        m_xml.writeTextElement(QStringLiteral("m:t"), xmlSafe(r.text));
+        m_xml.writeTextElement(QStringLiteral("m:t"), safe(r.text));
         m_xml.writeEndElement();
     }
 
@@ -444,7 +648,7 @@ private:
     void val(const QString& name, const QString& value)
     {
         m_xml.writeEmptyElement(name);
-        m_xml.writeAttribute(QStringLiteral("m:val"), xmlSafe(value));
+        m_xml.writeAttribute(QStringLiteral("m:val"), safe(value));
     }
 
     void mathRunProperties(const OMathRunProperties& props)
@@ -461,9 +665,9 @@ private:
         m_xml.writeStartElement(QStringLiteral("w:rPr"));
         m_xml.writeEmptyElement(QStringLiteral("w:rFonts"));
         if (!props.asciiFont.isEmpty())
-            m_xml.writeAttribute(QStringLiteral("w:ascii"), xmlSafe(props.asciiFont));
+            m_xml.writeAttribute(QStringLiteral("w:ascii"), safe(props.asciiFont));
         if (!props.hAnsiFont.isEmpty())
-            m_xml.writeAttribute(QStringLiteral("w:hAnsi"), xmlSafe(props.hAnsiFont));
+            m_xml.writeAttribute(QStringLiteral("w:hAnsi"), safe(props.hAnsiFont));
         m_xml.writeAttribute(QStringLiteral("w:hint"), QStringLiteral("default"));
         if (props.italic)
             m_xml.writeEmptyElement(QStringLiteral("w:i"));
@@ -480,7 +684,17 @@ private:
         m_xml.writeEndElement();
     }
 
-    QXmlStreamWriter& m_xml;
+    // The string sink drops what XML cannot carry itself, while escaping.
+    using SafeText = std::conditional_t<std::is_same_v<Xml, QXmlStreamWriter>, QString, const QString&>;
+    static SafeText safe(const QString& text)
+    {
+        if constexpr (std::is_same_v<Xml, QXmlStreamWriter>)
+            return xmlSafe(text);
+        else
+            return text;
+    }
+
+    Xml& m_xml;
     int m_depth = 0;
 };
 
@@ -488,28 +702,37 @@ private:
 
 void writeOmmlParagraph(const OMathParagraph& paragraph, QXmlStreamWriter& xml)
 {
-    KOmmlXmlWriter(xml).write(paragraph);
+    KOmmlXmlWriter<QXmlStreamWriter>(xml).write(paragraph);
 }
 
 void writeOmmlNode(const KOmmlNode& node, QXmlStreamWriter& xml)
 {
-    KOmmlXmlWriter(xml).node(node);
+    KOmmlXmlWriter<QXmlStreamWriter>(xml).node(node);
+}
+
+void appendOmmlParagraph(const OMathParagraph& paragraph, QString& xml)
+{
+    KXmlTextSink sink(xml);
+    KOmmlXmlWriter<KXmlTextSink>(sink).write(paragraph);
+}
+
+void appendOmmlNode(const KOmmlNode& node, QString& xml)
+{
+    KXmlTextSink sink(xml);
+    KOmmlXmlWriter<KXmlTextSink>(sink).node(node);
 }
 
 QString ommlParagraphToXml(const OMathParagraph& paragraph)
 {
     QString text;
-    QXmlStreamWriter xml(&text);
-    xml.setAutoFormatting(false);
-    writeOmmlParagraph(paragraph, xml);
+    text.reserve(kTypicalParagraphSize);
+    appendOmmlParagraph(paragraph, text);
     return text;
 }
 
 QString ommlNodeToXml(const KOmmlNode& node)
 {
     QString text;
-    QXmlStreamWriter xml(&text);
-    xml.setAutoFormatting(false);
-    writeOmmlNode(node, xml);
+    appendOmmlNode(node, text);
     return text;
 }

@@ -1,6 +1,8 @@
 #pragma once
-// Serialises the OMML model as OMML XML through a QXmlStreamWriter. The caller
-// owns the stream writer and switches auto-formatting off.
+// Serialises the OMML model as OMML XML. The text is appended straight to a
+// string; the entries over a QXmlStreamWriter (whose caller owns it and
+// switches auto-formatting off) give exactly the same text and are kept as the
+// reference the fast path is checked against.
 
 #include "omml/omml_model.h"
 
@@ -10,8 +12,12 @@ inline const QString kOmmlNamespace =
     QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
 
 // Appends the m:oMathPara element with its namespace declaration and properties.
-void writeOmmlParagraph(const OMathParagraph& paragraph, QXmlStreamWriter& xml);
+void appendOmmlParagraph(const OMathParagraph& paragraph, QString& xml);
 // Appends the element for one node of any kind.
+void appendOmmlNode(const KOmmlNode& node, QString& xml);
+
+// The same two entries through a QXmlStreamWriter.
+void writeOmmlParagraph(const OMathParagraph& paragraph, QXmlStreamWriter& xml);
 void writeOmmlNode(const KOmmlNode& node, QXmlStreamWriter& xml);
 
 // Conveniences over the two entries above, writing into a fresh string.

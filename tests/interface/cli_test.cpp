@@ -192,9 +192,7 @@ TEST(CliLint, JsonLines)
 {
     const CliResult r = runCli({"lint", "--json", "{\\frac a"});
     EXPECT_EQ(r.exitCode, 1);
-    EXPECT_EQ(r.out, "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_arg1_missing\","
-                     "\"message\":\"\\\\frac missing first argument.\"}\n"
-                     "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_arg2_missing\","
+    EXPECT_EQ(r.out, "{\"severity\":2,\"pos\":8,\"length\":0,\"code\":\"E_arg2_missing\","
                      "\"message\":\"\\\\frac missing second argument.\"}\n"
                      "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_missing_rbrace\",\"message\":"
                      "\"Missing '}'.\"}\n");

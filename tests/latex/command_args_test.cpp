@@ -33,8 +33,8 @@ TEST(CommandArgTable, EveryReachableKeyReadsItsShape)
 {
     const std::map<ArgShape, QString> expected = {
         {ArgShape::NoArgs, QString()},
-        {ArgShape::OneArg, QStringLiteral(" E_arg_missing")},
-        {ArgShape::TwoArgs, QStringLiteral(" E_arg1_missing E_arg2_missing")},
+        {ArgShape::OneArg, QStringLiteral("m")},   // the bracket itself, read as TeX reads one token
+        {ArgShape::TwoArgs, QStringLiteral("mm")}, // "[" and "o"
         {ArgShape::OptArgThenArg, QStringLiteral("om")},
         {ArgShape::Special, QStringLiteral("om")},
     };

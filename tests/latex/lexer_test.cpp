@@ -99,14 +99,16 @@ TEST(LexerLimits, TokenCountNeverExceedsSourceLengthPlusOne)
     EXPECT_LE(result.tokens.size(), std::size_t(source.size()) + 1);
 }
 
-// Outside the Basic Multilingual Plane and alone, surrogates arrive one code unit per Char token.
-TEST(LexerLimits, SurrogatesArriveOneCodeUnitAtATime)
+// A character outside the Basic Multilingual Plane is one token (also after a backslash); a surrogate
+// that is not half of a pair arrives alone.
+TEST(LexerLimits, SurrogatePairsAreOneCharacter)
 {
-    const QString high(QChar(0xD835)), low(QChar(0xDC65));
-    EXPECT_EQ(lexDump(QStringLiteral("\\\U0001D465")),
-              QStringLiteral(R"x("\\%1" 0+2 | "%2" 2+1 | End 3)x").arg(high, low));
-    EXPECT_EQ(lexDump(QStringLiteral("\U0001D465") + low + high),
-              QStringLiteral(R"x("%1" 0+1 | "%2" 1+1 | "%2" 2+1 | "%1" 3+1 | End 4)x").arg(high, low));
+    const QString high(QChar(0xD835)), low(QChar(0xDC65)), pair = high + low;
+    EXPECT_EQ(lexDump(QStringLiteral("\\") + pair), QStringLiteral(R"x("\\%1" 0+3 | End 3)x").arg(pair));
+    EXPECT_EQ(lexDump(pair + low + high),
+              QStringLiteral(R"x("%3" 0+2 | "%2" 2+1 | "%1" 3+1 | End 4)x").arg(high, low, pair));
+    EXPECT_EQ(lexDump(high + QStringLiteral("a") + high + QStringLiteral("\\") + high),
+              QStringLiteral(R"x("%1" 0+1 | "a" 1+1 | "%1" 2+1 | "\\%1" 3+2 | End 5)x").arg(high));
 }
 
 } // namespace

@@ -32,8 +32,8 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\overline{AB}", bar("top", r("AB"))}, LatexCase{"\\underline{x}", bar("bot", x)},
         LatexCase{"\\underbar{x}", bar("bot", x)},
         LatexCase{"\\mathbf{\\overline{x}}", bar("top", r("x", bold))},
-        // \not takes a braced argument only; "\not=" leaves the "=" as an ordinary character.
-        LatexCase{"\\not=", r("=")}, LatexCase{"\\not{=}", borderBox(falling, r("="))},
+        // Without braces \not takes the one character that follows, as TeX does.
+        LatexCase{"\\not=", borderBox(falling, r("="))}, LatexCase{"\\not{=}", borderBox(falling, r("="))},
         LatexCase{"\\not{ab}", borderBox(falling, r("a")) + borderBox(falling, r("b"))},
         LatexCase{"\\not{\\frac{a}{b}}", borderBox(rising, fab)},
         LatexCase{"\\not{a\\sqrt{b}}",

@@ -55,11 +55,12 @@ INSTANTIATE_TEST_SUITE_P(
     BigDelimiters, LatexToOmml,
     ::testing::Values(
         LatexCase{"\\bigl{(} x \\bigr{)}", d("(", "", bigStrut) + r("x") + d("", ")", bigStrut)},
-        // Without braces the delimiter is no argument and stays an ordinary character.
-        LatexCase{"\\bigl( x \\bigr)", r("(x)")}, LatexCase{"\\big{[}", d("[", "", bigStrut)},
-        LatexCase{"\\bigm{|}", d("|", "", bigStrut)}, LatexCase{"\\Bigl{(}", d("(", "", BigStrut)},
-        LatexCase{"\\Bigr{.}", d("", ".", BigStrut)}, LatexCase{"\\bigg{(}", d("(", "", biggStrut)},
-        LatexCase{"\\Biggr{]}", d("", "]", biggStrut)}, LatexCase{"\\Big{\\|}", d(kDoubleBar, "", BigStrut)},
+        // Without braces the delimiter is still the argument, as TeX reads it.
+        LatexCase{"\\bigl( x \\bigr)", d("(", "", bigStrut) + r("x") + d("", ")", bigStrut)},
+        LatexCase{"\\big{[}", d("[", "", bigStrut)}, LatexCase{"\\bigm{|}", d("|", "", bigStrut)},
+        LatexCase{"\\Bigl{(}", d("(", "", BigStrut)}, LatexCase{"\\Bigr{.}", d("", ".", BigStrut)},
+        LatexCase{"\\bigg{(}", d("(", "", biggStrut)}, LatexCase{"\\Biggr{]}", d("", "]", biggStrut)},
+        LatexCase{"\\Big{\\|}", d(kDoubleBar, "", BigStrut)},
         LatexCase{"\\mathbf{\\bigl{(}}", d("(", "", bigStrut)}, LatexCase{"\\big{}", ""},
         LatexCase{"\\Big", ""}, LatexCase{"\\big{\\frac{a}{b}}", frac(a, b)}));
 

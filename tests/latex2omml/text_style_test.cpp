@@ -66,9 +66,9 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\textcolor{red}{a\\textcolor{blue}{b}}", r("ab", red)},
         LatexCase{"a\\color{red}{b}", r("a") + r("b", red)},
         LatexCase{"\\color{red}{\\mathbf{x}}", r("x", colour("ff0000", bold))},
-        // Without its second argument the colour command converts to nothing.
-        LatexCase{"\\color{red} x", x}, LatexCase{"\\colorbox{yellow}{x}", x},
-        LatexCase{"\\colorbox{yellow}", ""}));
+        // Without braces the second argument is the one character that follows.
+        LatexCase{"\\color{red} x", r("x", red)}, LatexCase{"\\color{red}", ""},
+        LatexCase{"\\colorbox{yellow}{x}", x}, LatexCase{"\\colorbox{yellow}", ""}));
 
 TEST(TextStyle, ColourArgumentsTextCannotGive)
 {
@@ -115,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"\\hspace{99999999999999999999999}", r(QStringLiteral("\u2003\u2003"))},
                       LatexCase{"\\hspace{1\\alpha em}", r(QStringLiteral("\u2003"))},
                       LatexCase{"\\mathbf{\\hspace{1em}}", r(QStringLiteral("\u2003"), bold)},
-                      LatexCase{"\\kern3mu", r(QStringLiteral("\u20093mu"))}));
+                      LatexCase{"\\kern3mu", r(QStringLiteral("\u2005"))}, LatexCase{"\\mkern-3mu x", x}));
 
 TEST(TextStyle, SpaceAndModuloArgumentsTextCannotGive)
 {
