@@ -1,7 +1,9 @@
 // Throughput over the formula corpus: formulas per second for each of the six
 // operations, run through the same converter object a host uses, on one thread
 // or on several at once. Each measurement is repeated; the best and the median
-// repetition are printed, then the peak resident memory of the process.
+// repetition are printed, with the rate per CPU-second of the busiest run (on a
+// shared machine the wall clock also counts other processes), then the peak
+// resident memory of the process.
 //
 //   bench_corpus [CORPUS_DIR] [--only OPERATION] [--threads N] [--repeat K]
 //   bench_corpus [CORPUS_DIR] --dump DIR   (writes the inputs of each operation, one per line)
@@ -15,10 +17,13 @@
 
 #include <sys/resource.h>
 
+#include <ctime>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <functional>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -45,20 +50,33 @@ struct Operation {
     std::function<QString(const QString&)> run;
 };
 
-// Runs the operation over every input once, split over `threads` threads;
-// returns the seconds taken and counts the non-empty results.
-double runOnce(const Operation& operation, int threads, std::atomic<long>& produced)
+// CPU time of the calling thread.
+double threadCpuSeconds()
 {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return now.tv_sec + now.tv_nsec / 1e9;
+}
+
+// Runs the operation over every input once, split over `threads` threads;
+// returns the seconds taken, counts the non-empty results and adds up the CPU
+// time of the threads.
+double runOnce(const Operation& operation, int threads, std::atomic<long>& produced, double& cpuSeconds)
+{
+    std::mutex mutex;
     const QStringList& inputs = *operation.inputs;
     QElapsedTimer timer;
     timer.start();
     std::vector<std::thread> workers;
     for (int t = 0; t < threads; ++t) {
         workers.emplace_back([&, t] {
+            const double cpuStart = threadCpuSeconds();
             long mine = 0;
             for (int i = t; i < inputs.size(); i += threads)
                 mine += operation.run(inputs.at(i)).isEmpty() ? 0 : 1;
             produced += mine;
+            std::lock_guard<std::mutex> lock(mutex);
+            cpuSeconds += threadCpuSeconds() - cpuStart;
         });
     }
     for (std::thread& worker : workers)
@@ -70,12 +88,17 @@ void measure(const Operation& operation, int threads, int repeat)
 {
     std::vector<double> rates;
     std::atomic<long> produced{0};
-    for (int r = 0; r < repeat; ++r)
-        rates.push_back(operation.inputs->size() / runOnce(operation, threads, produced));
+    double bestCpuRate = 0;
+    for (int r = 0; r < repeat; ++r) {
+        double cpuSeconds = 0;
+        rates.push_back(operation.inputs->size() / runOnce(operation, threads, produced, cpuSeconds));
+        bestCpuRate = std::max(bestCpuRate, operation.inputs->size() / std::max(cpuSeconds, 1e-9));
+    }
     std::sort(rates.begin(), rates.end());
-    std::printf("%-10s %2d thread(s)  best %9.0f  median %9.0f formulas/s  (%d inputs, %ld non-empty)\n",
-                operation.name, threads, rates.back(), rates[rates.size() / 2], int(operation.inputs->size()),
-                produced.load() / repeat);
+    std::printf("%-10s %2d thread(s)  best %9.0f  median %9.0f formulas/s  %9.0f per CPU-second  (%d inputs, "
+                "%ld non-empty)\n",
+                operation.name, threads, rates.back(), rates[rates.size() / 2], bestCpuRate,
+                int(operation.inputs->size()), produced.load() / repeat);
     std::fflush(stdout);
 }
 
@@ -108,7 +131,7 @@ int main(int argc, char** argv)
             only = args[++i];
         else if (args[i] == QLatin1String("--threads") && hasValue)
             threads = std::max(1, args[++i].toInt());
-        else if (args[i] == QLatin1String("--repeat") && hasValue)
+        else if ((args[i] == QLatin1String("--repeat") || args[i] == QLatin1String("--rounds")) && hasValue)
             repeat = std::max(1, args[++i].toInt());
         else if (args[i] == QLatin1String("--dump") && hasValue)
             dumpDir = args[++i];
