@@ -19,7 +19,8 @@ void expectDistinctAndFound(const std::vector<QString>& keys, std::size_t count,
 
 TEST(Tables, EveryKeyIsPresentOnceAndNothingElse)
 {
-    expectDistinctAndFound(commandTableKeys(), 790, [](const QString& k) { return lookupCommand(k); });
+    // 790 table rows, plus middle and fcolorbox, which keep their argument's content.
+    expectDistinctAndFound(commandTableKeys(), 792, [](const QString& k) { return lookupCommand(k); });
     expectDistinctAndFound(environmentTableKeys(), 23, [](const QString& k) { return lookupEnvironment(k); });
     expectDistinctAndFound(delimiterMapKeys(), 36, [](const QString& k) { return lookupDelimiter(k); });
     for (const char* name : {"", "ALPHA", "hphantom", "operatorname*", "\\\\", "sum\\limits\\limits"})
@@ -67,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"\\exp x", r("expx")}, LatexCase{"\\log x", func(rp("log"), r("x"))},
                       LatexCase{"\\tiny x", r("\\tinyx")}, LatexCase{"\\mathbf{\\tiny}", r("\\tiny")},
                       LatexCase{"\\displaystyle{x}", r("x")}, LatexCase{"\\displaystyle", ""},
-                      LatexCase{"\\fcolorbox{a}{b}{c}", r("bc")}, LatexCase{"\\substack{a}", ""},
+                      LatexCase{"\\fcolorbox{a}{b}{c}", r("c")}, LatexCase{"\\substack{a}", ""},
                       LatexCase{"\\middle|", r("|")}, LatexCase{"\\triangledown", r("\\triangledown")},
                       LatexCase{"a\\,b\\;c\\quad d\\qquad\\!e",
                                 r(QStringLiteral("a\u2009b\u2004c\u2003d\u2003\u2003e"))},
