@@ -1,10 +1,15 @@
 // Every corpus formula renders through both paths to a well-formed SVG document,
-// and rendering from many threads at once gives what one thread gives.
+// both paths draw the same picture unless a known cause says otherwise, and
+// rendering from many threads at once gives what one thread gives.
 
 #include "interface/converter_helper.h"
+#include "latex/latex_dump.h"
+#include "latex/latex_parser.h"
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
+#include <QTextStream>
 #include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
@@ -48,16 +53,84 @@ bool wellFormedSvg(const QString& svg)
     return root && !xml.hasError();
 }
 
-TEST(RenderCorpus, EveryFormulaRendersFromItsLatexAndFromItsOmml)
+bool hasUnknownCommand(const QString& latex)
+{
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr root = parseLatex(latex, diagnostics);
+    return dumpLatexTree(root.get()).contains(QStringLiteral("Unknown \""));
+}
+
+bool hasWhiteSpaceOnlyRun(const QString& omml)
+{
+    static const QRegularExpression text(QStringLiteral("<m:t>([^<]+)</m:t>"));
+    auto it = text.globalMatch(omml);
+    while (it.hasNext()) {
+        if (it.next().captured(1).trimmed().isEmpty())
+            return true;
+    }
+    return false;
+}
+
+// A formula drawn from its LaTeX and drawn from the OMML we write for that LaTeX
+// should be the same picture: the OMML writer and reader carry everything the
+// renderer uses. Two causes of a difference are known and expected:
+// - an unknown command: drawing LaTeX shows it as its own red run, while the OMML
+//   holds it as plain text merged with its neighbours;
+// - a run of white space only (a thin space standing between runs of different
+//   styles): the XML parser drops white-space-only text, so the OMML reads it
+//   back as an empty run and the space vanishes from the picture.
+// Every other difference is a fault. The differing formulas are listed, with
+// their cause, in the build folder.
+TEST(RenderCorpus, EveryFormulaRendersFromItsLatexAndFromItsOmmlAlike)
 {
     const QStringList formulas = corpus();
     if (formulas.isEmpty())
         GTEST_SKIP() << "no corpus at " << FC_CORPUS_DIR;
+    QFile report(QStringLiteral(FC_BINARY_DIR) + QStringLiteral("/same_picture_differences.txt"));
+    ASSERT_TRUE(report.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QTextStream out(&report);
+    out.setCodec("UTF-8");
+
+    int same = 0;
+    int unknownCommand = 0;
+    int whiteSpaceRun = 0;
+    int unexplained = 0;
     for (const QString& latex : formulas) {
-        ASSERT_TRUE(wellFormedSvg(kHelper.latexToSvg(latex, 12))) << latex.toStdString();
+        const QString fromLatex = kHelper.latexToSvg(latex, 12);
+        ASSERT_TRUE(wellFormedSvg(fromLatex)) << latex.toStdString();
         const QString omml = kHelper.latexToOmml(latex);
-        ASSERT_TRUE(wellFormedSvg(kHelper.ommlToSvg(omml, 12))) << latex.toStdString();
+        const QString fromOmml = kHelper.ommlToSvg(omml, 12);
+        ASSERT_TRUE(wellFormedSvg(fromOmml)) << latex.toStdString();
+        if (fromLatex == fromOmml) {
+            ++same;
+            continue;
+        }
+        QString cause;
+        if (hasWhiteSpaceOnlyRun(omml)) {
+            ++whiteSpaceRun;
+            cause = QStringLiteral("white-space run");
+        } else if (hasUnknownCommand(latex)) {
+            ++unknownCommand;
+            cause = QStringLiteral("unknown command");
+        } else {
+            ++unexplained;
+            cause = QStringLiteral("UNEXPLAINED");
+            ADD_FAILURE() << "pictures differ: " << latex.toStdString();
+        }
+        out << cause << '\t' << latex << '\n';
     }
+    out.flush();
+    const int total = formulas.size();
+    const double share = double(same) / total;
+    std::printf("same picture: %d of %d formulas (%.2f%%); differing: %d white-space runs, %d unknown "
+                "commands, %d unexplained; list in %s\n",
+                same, total, 100 * share, whiteSpaceRun, unknownCommand, unexplained,
+                qPrintable(report.fileName()));
+    EXPECT_EQ(unexplained, 0);
+    // The two known causes together stay a small part of the corpus.
+    EXPECT_GE(share, 0.95);
+    EXPECT_GE(double(same + unknownCommand) / total, 0.96);
+    EXPECT_GE(double(same + whiteSpaceRun) / total, 0.98);
 }
 
 // The six operations over one formula.
