@@ -187,6 +187,40 @@ const ArgCase kArity[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Rows, LatexArity, ::testing::ValuesIn(kArity));
 
+// Environments read arguments only where LaTeX gives them; anything else after \begin{name} is body.
+class EnvironmentArguments : public ::testing::TestWithParam<ArgCase> {};
+TEST_P(EnvironmentArguments, OnlyWhereLatexGivesThem)
+{
+    expectParse(GetParam());
+}
+const ArgCase kEnvironments[] = {
+    {R"(\begin{matrix}{5}&{0}\\{2}&{5}\end{matrix})",
+     R"(Env "matrix"{body{Row{Group{Group{"5"}} Group{Group{"0"}}} Row{Group{Group{"2"}} Group{Group{"5"}}}}})"},
+    {R"(\begin{pmatrix}[a]\end{pmatrix})", R"(Env "pmatrix"{body{Row{Group{"[" "a" "]"}}}})"},
+    {R"(\begin{cases}{x}\end{cases})", R"(Env "cases"{body{Row{Group{Group{"x"}}}}})"},
+    {R"(\begin{align}{a}&=b\end{align})", R"(Env "align"{body{Row{Group{Group{"a"}} Group{"=" "b"}}}})"},
+    {R"(\begin{array}{cc}1&2\end{array})",
+     R"(Env "array"{arg{Group{"c" "c"}} body{Row{Group{"1"} Group{"2"}}}})"},
+    {R"(\begin{array}[t]{c}{1}\end{array})",
+     R"(Env "array"{optarg{Group{"t"}} arg{Group{"c"}} body{Row{Group{Group{"1"}}}}})"},
+    {R"(\begin{array}a&b\end{array})", R"(Env "array"{body{Row{Group{"a"} Group{"b"}}}})"},
+    {R"(\begin{subarray}{l}i\\j\end{subarray})",
+     R"(Env "subarray"{arg{Group{"l"}} body{Group{"i" Command "\\\\" "j"}}})"},
+    {R"(\begin{alignat}{2}{x}&=y\end{alignat})",
+     R"(Env "alignat"{arg{Group{"2"}} body{Row{Group{Group{"x"}} Group{"=" "y"}}}})"},
+    {R"(\begin{alignat*}[t]{2}x\end{alignat*})",
+     R"(Env "alignat*"{body{Row{Group{"[" "t" "]" Group{"2"} "x"}}}})"},
+    {R"(\begin{alignedat}[b]{1}x\end{alignedat})",
+     R"(Env "alignedat"{optarg{Group{"b"}} arg{Group{"1"}} body{Row{Group{"x"}}}})"},
+    {R"(\begin{aligned}[t]{x}\end{aligned})",
+     R"(Env "aligned"{optarg{Group{"t"}} body{Row{Group{Group{"x"}}}}})"},
+    {R"(\begin{gathered}[c]x\end{gathered})", R"(Env "gathered"{optarg{Group{"c"}} body{Row{Group{"x"}}}})"},
+    {R"(\begin{gather}[t]x\end{gather})", R"(Env "gather"{body{Row{Group{"[" "t" "]" "x"}}}})"},
+    {R"(\begin{pmatrix*}[r]a\end{pmatrix*})", R"(Env "pmatrix*"{optarg{Group{"r"}} body{Row{Group{"a"}}}})"},
+    {R"(\begin{foo}{a}[b]\end{foo})", R"(Env "foo"{body{Group{Group{"a"} "[" "b" "]"}}})"},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, EnvironmentArguments, ::testing::ValuesIn(kEnvironments));
+
 // Chains of commands without braces nest one level per command; past the nesting guard the rest is
 // cut off with "F_nesting_overflow" instead of exhausting the stack, and the work stays linear.
 TEST(UnbracedArgumentLimits, LongChainsHitTheNestingGuard)
