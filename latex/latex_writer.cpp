@@ -318,9 +318,41 @@ QString KLatexWriter::scriptPart(QChar marker, const KLatexNode* part)
     return marker + (QLatin1Char('{') + printed + QLatin1Char('}'));
 }
 
+namespace {
+
+// The script a base ends with when printed: the base itself, or the last child
+// of a group, followed down.
+const KLatexScript* trailingScript(const KLatexNode* node)
+{
+    while (node) {
+        if (const auto* script = latexAs<KLatexScript>(node))
+            return script;
+        const auto* group = latexAs<KLatexGroup>(node);
+        if (!group)
+            return nullptr;
+        const KLatexNode* last = nullptr;
+        for (const auto& child : group->children)
+            if (child)
+                last = child.get();
+        node = last;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 QString KLatexWriter::print(const KLatexScript& script)
 {
     QString result = node(script.base.get());
+    // TeX refuses a second superscript or subscript on the same base (x^a^b,
+    // u^d_a_\mu) and a script needs something before it when it follows another
+    // script: such a base is closed in braces, and an empty base is written {}.
+    const KLatexScript* inner = trailingScript(script.base.get());
+    const bool clash = inner && ((inner->sup && script.sup) || (inner->sub && script.sub));
+    if (result.isEmpty() || clash) {
+        result = QLatin1Char('{') + result + QLatin1Char('}');
+        m_lastClass = OutputClass::other;
+    }
     // The superscript always comes first.
     if (script.sup)
         result += scriptPart(QLatin1Char('^'), script.sup.get());

@@ -201,6 +201,22 @@ KOmmlNodeList postProcess(KOmmlNodeList accumulated)
     return output;
 }
 
+// A command whose table entry counts the node after it among its arguments
+// (\sideset{..}{..}\sum) gets that node as its last argument when the parser
+// left it outside.
+void takeFollowingOperand(KSlot& current, KSlot& next, int depth)
+{
+    const auto* command = latexAs<KLatexCommand>(current.node);
+    if (!command)
+        return;
+    const KLatexSymbol* entry = lookupCommand(command->name);
+    if (!entry || entry->arity == 0 || command->args.size() + 1 != entry->arity)
+        return;
+    KLatexArgs args = cloneArgs(command->args, depth);
+    args.push_back(KLatexArg{false, next.take(depth)});
+    current.set(makeCommand(command->name, std::move(args)));
+}
+
 } // namespace
 
 struct KLatexAst2Omml::KDispatch {
@@ -276,16 +292,27 @@ KOmmlNodePtr KLatexAst2Omml::makeStyledRun(QString text) const
 
 KOmmlNodeList KLatexAst2Omml::convertGroup(const KLatexGroup& group)
 {
-    const std::size_t count = group.children.size();
+    std::vector<const KLatexNode*> children;
+    children.reserve(group.children.size());
+    for (const KLatexNodePtr& child : group.children)
+        children.push_back(child.get());
+    return convertSequence(children);
+}
+
+KOmmlNodeList KLatexAst2Omml::convertSequence(const std::vector<const KLatexNode*>& nodes)
+{
+    const std::size_t count = nodes.size();
     std::vector<KSlot> slots(count);
     for (std::size_t i = 0; i < count; ++i)
-        slots[i].node = group.children[i].get();
+        slots[i].node = nodes[i];
 
     KOmmlNodeList accumulated;
     for (std::size_t i = 0; i < count; ++i) {
         KSlot& current = slots[i];
         if (!current.node)
             continue;
+        if (i + 1 < count && slots[i + 1].node)
+            takeFollowingOperand(current, slots[i + 1], m_depth);
         if (i + 1 < count && slots[i + 1].node) {
             KSlot& next = slots[i + 1];
             const bool nextIsScript = latexAs<KLatexScript>(next.node) != nullptr;
@@ -362,17 +389,62 @@ KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
     return makeOmmlList(makeOmmlNode(std::move(delimiter)));
 }
 
-KOmmlNodeList KLatexAst2Omml::convertUnknown(const KLatexUnknownCommand& command) const
+KOmmlNodeList KLatexAst2Omml::convertUnknown(const KLatexUnknownCommand& command)
 {
     KOmmlNodePtr run = makePlainRun(QLatin1Char('\\') + command.name);
     if (m_renderMode)
         ommlAs<ORun>(run.get())->wordProps.color = QColor(255, 0, 0);
-    return makeOmmlList(std::move(run));
+    KOmmlNodeList result = makeOmmlList(std::move(run));
+    // A macro this converter does not know still shows what it was given.
+    for (const KLatexArg& arg : command.args) {
+        if (!arg.node)
+            continue;
+        if (arg.optional)
+            result.push_back(makeStyledRun(QStringLiteral("[")));
+        appendNodes(result, convert(*arg.node));
+        if (arg.optional)
+            result.push_back(makeStyledRun(QStringLiteral("]")));
+    }
+    return result;
 }
 
 const KLatexNode* argumentNode(const KLatexArgs& args, std::size_t index)
 {
     return index < args.size() ? args[index].node.get() : nullptr;
+}
+
+OControlProperties uprightStyle(const OControlProperties& current)
+{
+    OControlProperties style = current;
+    style.mathProps = OMathRunProperties{};
+    style.mathProps->style = OStyle::plain;
+    return style;
+}
+
+const KLatexNode* lastMandatoryArgument(const KLatexArgs& args)
+{
+    for (auto it = args.rbegin(); it != args.rend(); ++it)
+        if (!it->optional)
+            return it->node.get();
+    return nullptr;
+}
+
+QString plainText(const KLatexNode* node)
+{
+    // Walked with an explicit stack so that no nesting depth can exhaust the call stack.
+    QString joined;
+    std::vector<const KLatexNode*> pending{node};
+    while (!pending.empty()) {
+        const KLatexNode* current = pending.back();
+        pending.pop_back();
+        if (const auto* text = latexAs<KLatexText>(current)) {
+            joined += text->text;
+        } else if (const auto* group = latexAs<KLatexGroup>(current)) {
+            for (auto it = group->children.rbegin(); it != group->children.rend(); ++it)
+                pending.push_back(it->get());
+        }
+    }
+    return joined;
 }
 
 bool hasExactArguments(const KLatexArgs& args, std::size_t count)

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <vector>
 
 class KLatexAst2Omml;
 
@@ -32,6 +33,9 @@ public:
     KOmmlNodeList convert(const KLatexNode& node);
     // As above; a missing node converts to an empty list.
     KOmmlNodeList convert(const KLatexNode* node);
+    // Converts nodes as the children of one group: limits merging, run merging and
+    // operands for operators and functions. Null entries are skipped.
+    KOmmlNodeList convertSequence(const std::vector<const KLatexNode*>& nodes);
     // Converts argument `index` (counting from 0); empty when it is missing or has no node.
     KOmmlNodeList convertArgument(const KLatexArgs& args, std::size_t index);
 
@@ -52,7 +56,7 @@ private:
     KOmmlNodeList convertGroup(const KLatexGroup& group);
     KOmmlNodeList convertScript(const KLatexScript& script);
     KOmmlNodeList convertLeftRight(const KLatexLeftRight& fence);
-    KOmmlNodeList convertUnknown(const KLatexUnknownCommand& command) const;
+    KOmmlNodeList convertUnknown(const KLatexUnknownCommand& command);
 
     struct KDispatch;
 
@@ -64,6 +68,13 @@ private:
 // The node of argument `index` (counting from 0), or null when the argument is
 // missing or has no node.
 const KLatexNode* argumentNode(const KLatexArgs& args, std::size_t index);
+// The style with upright (plain) math runs, for names, labels and chemistry.
+OControlProperties uprightStyle(const OControlProperties& current);
+// The node of the last mandatory (braced) argument, or null when there is none.
+const KLatexNode* lastMandatoryArgument(const KLatexArgs& args);
+// The characters an argument spells out: the texts of the node and of the groups
+// inside it, in order; commands and other structure contribute nothing.
+QString plainText(const KLatexNode* node);
 // True when there are exactly `count` arguments and every one has a node.
 bool hasExactArguments(const KLatexArgs& args, std::size_t count);
 

@@ -221,7 +221,8 @@ KOmmlNodeList cancel(KLatexAst2Omml& ast, const KLatexCommand& command)
 KOmmlNodeList overGroup(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     static const QSet<QString> accepted = {QStringLiteral("overbrace"), QStringLiteral("overbracket"),
-                                           QStringLiteral("overparen"), QStringLiteral("overequal")};
+                                           QStringLiteral("overparen"), QStringLiteral("overequal"),
+                                           QStringLiteral("wideparen")};
     return groupCharacter(ast, command, accepted, kOverPlacement);
 }
 

@@ -129,6 +129,27 @@ KOmmlNodePtr strut(KStrut size)
     return makeOmmlNode(std::move(phantom));
 }
 
+// One line of an equation array per row; the cells of a row follow each other.
+OEquationArray equationLines(KLatexAst2Omml& ast, const KLatexNodeList& body)
+{
+    OEquationArray lines;
+    for (auto& row : buildRows(ast, body)) {
+        KOmmlNodeList line;
+        for (auto& cell : row)
+            appendNodes(line, std::move(cell));
+        lines.rows.push_back(std::move(line));
+    }
+    lines.ctrlPr = ast.currentStyle();
+    return lines;
+}
+
+bool isLineBreak(const KLatexNode* node)
+{
+    const auto* command = latexAs<KLatexCommand>(node);
+    return command && (command->name == QLatin1String("\\\\") || command->name == QLatin1String("\\\\*") ||
+                       command->name == QLatin1String("cr"));
+}
+
 } // namespace
 
 KOmmlNodeList matrixEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
@@ -141,14 +162,7 @@ KOmmlNodeList matrixEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 
 KOmmlNodeList casesEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 {
-    OEquationArray lines;
-    for (auto& row : buildRows(ast, env.body)) {
-        KOmmlNodeList line;
-        for (auto& cell : row)
-            appendNodes(line, std::move(cell));
-        lines.rows.push_back(std::move(line));
-    }
-    lines.ctrlPr = ast.currentStyle();
+    OEquationArray lines = equationLines(ast, env.body);
 
     // One brace only: on the left for cases and dcases, on the right for rcases.
     const KLatexEnvironment* entry = lookupEnvironment(env.name);
@@ -210,4 +224,73 @@ KOmmlNodeList bigDelimiter(KLatexAst2Omml& ast, const KLatexCommand& command)
     delimiter.endChr = closing ? fence : QString();
     delimiter.e = makeOmmlList(strut(strutForHeight(delimiterHeights().value(size, 1.2))));
     return makeOmmlList(makeOmmlNode(std::move(delimiter)));
+}
+
+KOmmlNodeList gatheredEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
+{
+    // Centred lines without alignment points: an equation array.
+    return makeOmmlList(makeOmmlNode(equationLines(ast, env.body)));
+}
+
+KOmmlNodeList substack(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \substack{i<j \\ k}: one line of an equation array per line break.
+    const KLatexNode* body = argumentNode(command.args, 0);
+    if (!body || command.args.size() != 1)
+        return {};
+    std::vector<std::vector<const KLatexNode*>> lines(1);
+    auto take = [&lines](const KLatexNode* node) {
+        if (isLineBreak(node))
+            lines.emplace_back();
+        else if (node)
+            lines.back().push_back(node);
+    };
+    if (const auto* group = latexAs<KLatexGroup>(body)) {
+        for (const auto& child : group->children) {
+            if (const auto* row = latexAs<KLatexRow>(child.get())) {
+                for (const auto& cell : row->cells)
+                    take(cell.get());
+                if (!lines.back().empty())
+                    lines.emplace_back();
+            } else {
+                take(child.get());
+            }
+        }
+    } else {
+        take(body);
+    }
+    // A line break at the very end opens no further line.
+    if (lines.size() > 1 && lines.back().empty())
+        lines.pop_back();
+    if (lines.size() == 1)
+        return ast.convertSequence(lines.front());
+    OEquationArray array;
+    for (const auto& line : lines)
+        array.rows.push_back(ast.convertSequence(line));
+    array.ctrlPr = ast.currentStyle();
+    return makeOmmlList(makeOmmlNode(std::move(array)));
+}
+
+KOmmlNodeList middleDelimiter(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \middle| inside \left..\right: the fence character as a run of the body.
+    const KLatexNode* fence = argumentNode(command.args, 0);
+    if (!fence)
+        return {};
+    while (const auto* group = latexAs<KLatexGroup>(fence)) {
+        if (group->children.size() != 1)
+            break;
+        fence = group->children.front().get();
+    }
+    QString token;
+    if (const auto* text = latexAs<KLatexText>(fence))
+        token = text->text;
+    else if (const auto* named = latexAs<KLatexCommand>(fence))
+        token = QLatin1Char('\\') + named->name;
+    const QString* character = lookupDelimiter(token);
+    if (!character)
+        return ast.convert(*fence);
+    if (character->isEmpty())
+        return {};
+    return makeOmmlList(ast.makeStyledRun(*character));
 }

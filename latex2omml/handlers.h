@@ -22,6 +22,10 @@ KOmmlNodeList limitScript(KLatexAst2Omml&, const KLatexScript&);
 KOmmlNodeList limitVariant(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList limitVariantScript(KLatexAst2Omml&, const KLatexScript&);
 KOmmlNodeList stack(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList generalFraction(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList limitOperatorName(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList limitOperatorNameScript(KLatexAst2Omml&, const KLatexScript&);
+KOmmlNodeList sideset(KLatexAst2Omml&, const KLatexCommand&);
 
 // Delimiters, matrices and environments (delimiters.cpp)
 KOmmlNodeList bigDelimiter(KLatexAst2Omml&, const KLatexCommand&);
@@ -29,6 +33,9 @@ KOmmlNodeList matrixCommand(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList matrixEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList casesEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList alignEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+KOmmlNodeList gatheredEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+KOmmlNodeList substack(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList middleDelimiter(KLatexAst2Omml&, const KLatexCommand&);
 
 // Text, style and spacing (text_style.cpp)
 KOmmlNodeList mathFont(KLatexAst2Omml&, const KLatexCommand&);
@@ -38,6 +45,16 @@ KOmmlNodeList colorBox(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList box(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList space(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList modulo(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList phantom(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList framedBox(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList enclosure(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList unicodeCharacter(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList equationLabel(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList spannedCell(KLatexAst2Omml&, const KLatexCommand&);
+
+// Chemistry (chemistry.cpp)
+KOmmlNodeList chemicalFormula(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList physicalUnit(KLatexAst2Omml&, const KLatexCommand&);
 
 // Decorations (decorations.cpp)
 KOmmlNodeList accent(KLatexAst2Omml&, const KLatexCommand&);

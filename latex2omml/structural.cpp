@@ -4,6 +4,9 @@
 #include "latex2omml/handlers.h"
 #include "latex2omml/tables.h"
 
+#include <QHash>
+#include <QRegularExpression>
+
 namespace {
 
 const QString kBinom = QStringLiteral("binom");
@@ -29,20 +32,84 @@ KOmmlNodePtr parenthesised(KOmmlNodePtr fraction, const OControlProperties& styl
     return makeOmmlNode(std::move(delimiter));
 }
 
-KOmmlNodeList buildFraction(KLatexAst2Omml& converter, const KLatexCommand& command, OFractionType type,
-                            bool inParentheses)
+// A fraction from the two braced arguments that start at `first`, which must be
+// the last two arguments.
+KOmmlNodeList buildFraction(KLatexAst2Omml& converter, const KLatexArgs& args, OFractionType type,
+                            bool inParentheses, std::size_t first = 0)
 {
-    if (!hasExactArguments(command.args, 2))
+    if (args.size() != first + 2 || !argumentNode(args, first) || !argumentNode(args, first + 1) ||
+        args[first].optional || args[first + 1].optional)
         return {};
     OFraction fraction;
-    fraction.num = converter.convertArgument(command.args, 0);
-    fraction.den = converter.convertArgument(command.args, 1);
+    fraction.num = converter.convertArgument(args, first);
+    fraction.den = converter.convertArgument(args, first + 1);
     fraction.ctrlPr = converter.currentStyle();
     fraction.type = type;
     KOmmlNodePtr node = makeOmmlNode(std::move(fraction));
     if (inParentheses)
         node = parenthesised(std::move(node), converter.currentStyle());
     return makeOmmlList(std::move(node));
+}
+
+// What a bracketed argument before the two braced ones means.
+enum class KLeadingOption { refused, ignored, shownBefore };
+
+struct KFractionForm {
+    OFractionType type = OFractionType::bar;
+    bool parenthesised = false;
+    KLeadingOption option = KLeadingOption::refused;
+};
+
+const QHash<QString, KFractionForm>& fractionForms()
+{
+    static const QHash<QString, KFractionForm> table = {
+        {QStringLiteral("frac"), {}},
+        {QStringLiteral("dfrac"), {}},
+        {QStringLiteral("cfrac"), {OFractionType::bar, false, KLeadingOption::ignored}},
+        {QStringLiteral("tfrac"), {OFractionType::linear}},
+        {QStringLiteral("sfrac"), {OFractionType::skewed}},
+        {kBinom, {OFractionType::noBar, true}},
+        {QStringLiteral("dbinom"), {OFractionType::noBar, true}},
+        {QStringLiteral("tbinom"), {OFractionType::noBar, true}},
+        {QStringLiteral("nicefrac"), {OFractionType::skewed, false, KLeadingOption::ignored}},
+        {QStringLiteral("unitfrac"), {OFractionType::skewed, false, KLeadingOption::shownBefore}},
+    };
+    return table;
+}
+
+// The fence a \genfrac delimiter argument names: "(" or "\langle" through the
+// \left/\right delimiter map, another command through its character, "." or
+// nothing for no fence.
+QString fenceCharacter(const KLatexNode* node)
+{
+    while (const auto* group = latexAs<KLatexGroup>(node)) {
+        if (group->children.size() != 1)
+            break;
+        node = group->children.front().get();
+    }
+    QString token;
+    if (const auto* text = latexAs<KLatexText>(node))
+        token = text->text.trimmed();
+    else if (const auto* command = latexAs<KLatexCommand>(node))
+        token = QLatin1Char('\\') + command->name;
+    if (token.isEmpty())
+        return {};
+    if (const QString* fence = lookupDelimiter(token))
+        return *fence;
+    if (const auto* command = latexAs<KLatexCommand>(node)) {
+        const KLatexSymbol* entry = lookupCommand(command->name);
+        return entry ? entry->text : QString();
+    }
+    return token;
+}
+
+// A \genfrac rule thickness of zero (0pt, 0, 0.0em) draws no bar; an empty one
+// is the default rule.
+bool isZeroThickness(const QString& thickness)
+{
+    static const QRegularExpression number(QStringLiteral("^\\s*([0-9]*\\.?[0-9]+)"));
+    const QRegularExpressionMatch match = number.match(thickness);
+    return match.hasMatch() && match.captured(1).toDouble() == 0.0;
 }
 
 const KLatexSymbol* entryWithoutArguments(const KLatexCommand& command)
@@ -103,10 +170,10 @@ KOmmlNodeList applyLimits(KLatexAst2Omml& converter, const KLatexScript& script,
     return result;
 }
 
-KOmmlNodeList limitFunctionOf(KLatexAst2Omml& converter, KOmmlNodePtr nameElement, KOmmlNodeList limit)
+KOmmlNodeList limitFunctionOf(KLatexAst2Omml& converter, KOmmlNodeList name, KOmmlNodeList limit)
 {
     OLimitLower limitLower;
-    limitLower.e = makeOmmlList(std::move(nameElement));
+    limitLower.e = std::move(name);
     limitLower.lim = std::move(limit);
     limitLower.ctrlPr = converter.currentStyle();
     OFunction function;
@@ -115,25 +182,93 @@ KOmmlNodeList limitFunctionOf(KLatexAst2Omml& converter, KOmmlNodePtr nameElemen
     return makeOmmlList(makeOmmlNode(std::move(function)));
 }
 
+KOmmlNodeList limitFunctionOf(KLatexAst2Omml& converter, KOmmlNodePtr nameElement, KOmmlNodeList limit)
+{
+    return limitFunctionOf(converter, makeOmmlList(std::move(nameElement)), std::move(limit));
+}
+
+// The scripts written in one \sideset argument: `{_a^b}` (a script on nothing),
+// or anything else, such as a prime, as the upper one.
+struct KSideScripts {
+    const KLatexNode* sub = nullptr;
+    const KLatexNode* sup = nullptr;
+};
+
+KSideScripts sideScripts(const KLatexNode* node)
+{
+    while (const auto* group = latexAs<KLatexGroup>(node)) {
+        if (group->children.size() != 1)
+            break;
+        node = group->children.front().get();
+    }
+    if (const auto* script = latexAs<KLatexScript>(node))
+        return {script->sub.get(), script->sup.get()};
+    const auto* group = latexAs<KLatexGroup>(node);
+    if (!node || (group && group->children.empty()))
+        return {};
+    return {nullptr, node};
+}
+
+std::optional<KOmmlNodeList> convertIfPresent(KLatexAst2Omml& converter, const KLatexNode* node)
+{
+    if (!node)
+        return std::nullopt;
+    return converter.convert(*node);
+}
+
 } // namespace
 
 KOmmlNodeList fraction(KLatexAst2Omml& converter, const KLatexCommand& command)
 {
-    OFractionType type = OFractionType::bar;
-    if (command.name == QLatin1String("tfrac"))
-        type = OFractionType::linear;
-    else if (command.name == QLatin1String("sfrac"))
-        type = OFractionType::skewed;
-    else if (command.name == kBinom)
-        type = OFractionType::noBar;
-    return buildFraction(converter, command, type, command.name == kBinom);
+    const auto found = fractionForms().constFind(command.name);
+    const KFractionForm form = found == fractionForms().constEnd() ? KFractionForm{} : *found;
+    const bool leadingOption = !command.args.empty() && command.args.front().optional;
+    if (!leadingOption)
+        return buildFraction(converter, command.args, form.type, form.parenthesised);
+    if (form.option == KLeadingOption::refused)
+        return {};
+    // \nicefrac[font]{a}{b} and \unitfrac[value]{a}{b}: the fraction is the two braced arguments.
+    KOmmlNodeList result;
+    if (form.option == KLeadingOption::shownBefore)
+        result = converter.convertArgument(command.args, 0);
+    KOmmlNodeList built = buildFraction(converter, command.args, form.type, form.parenthesised, 1);
+    if (built.empty())
+        return {};
+    appendNodes(result, std::move(built));
+    return result;
 }
 
 KOmmlNodeList infixFraction(KLatexAst2Omml& converter, const KLatexCommand& command)
 {
     const bool withoutBar = command.name == QLatin1String("atop") || command.name == kChoose;
-    return buildFraction(converter, command, withoutBar ? OFractionType::noBar : OFractionType::bar,
+    return buildFraction(converter, command.args, withoutBar ? OFractionType::noBar : OFractionType::bar,
                          command.name == kChoose);
+}
+
+KOmmlNodeList generalFraction(KLatexAst2Omml& converter, const KLatexCommand& command)
+{
+    // \genfrac{left}{right}{thickness}{style}{numerator}{denominator}
+    constexpr std::size_t kArguments = 6;
+    if (!hasExactArguments(command.args, kArguments))
+        return {};
+    const QString left = fenceCharacter(argumentNode(command.args, 0));
+    const QString right = fenceCharacter(argumentNode(command.args, 1));
+    const OFractionType type =
+        isZeroThickness(plainText(argumentNode(command.args, 2))) ? OFractionType::noBar : OFractionType::bar;
+    OFraction built;
+    built.num = converter.convertArgument(command.args, 4);
+    built.den = converter.convertArgument(command.args, 5);
+    built.ctrlPr = converter.currentStyle();
+    built.type = type;
+    KOmmlNodePtr node = makeOmmlNode(std::move(built));
+    if (left.isEmpty() && right.isEmpty())
+        return makeOmmlList(std::move(node));
+    ODelimiter delimiter;
+    delimiter.e = makeOmmlList(std::move(node));
+    delimiter.begChr = left;
+    delimiter.endChr = right;
+    delimiter.ctrlPr = converter.currentStyle();
+    return makeOmmlList(makeOmmlNode(std::move(delimiter)));
 }
 
 KOmmlNodeList radical(KLatexAst2Omml& converter, const KLatexCommand& command)
@@ -282,4 +417,59 @@ KOmmlNodeList stack(KLatexAst2Omml& converter, const KLatexCommand& command)
             makeOmmlNode(OLimitUpper{std::move(body), std::move(label), converter.currentStyle()}));
     return makeOmmlList(
         makeOmmlNode(OLimitLower{std::move(body), std::move(label), converter.currentStyle()}));
+}
+
+KOmmlNodeList limitOperatorName(KLatexAst2Omml& converter, const KLatexCommand& command)
+{
+    // \operatorname*{arg\,max}: an upright operator name that takes its limits below.
+    const KLatexNode* name = argumentNode(command.args, 0);
+    if (!name || command.args.size() != 1)
+        return {};
+    converter.pushStyle(uprightStyle(converter.currentStyle()));
+    KOmmlNodeList converted = converter.convert(*name);
+    converter.popStyle();
+    return limitFunctionOf(converter, std::move(converted), {});
+}
+
+KOmmlNodeList limitOperatorNameScript(KLatexAst2Omml& converter, const KLatexScript& script)
+{
+    return applyLimits(converter, script, limitOperatorName);
+}
+
+KOmmlNodeList sideset(KLatexAst2Omml& converter, const KLatexCommand& command)
+{
+    // \sideset{_a^b}{_c^d}\sum: scripts before and after an operator, which comes
+    // as the third argument.
+    const std::size_t count = command.args.size();
+    if (count < 2 || count > 3)
+        return {};
+    const KSideScripts before = sideScripts(argumentNode(command.args, 0));
+    const KSideScripts after = sideScripts(argumentNode(command.args, 1));
+    KOmmlNodeList operand = converter.convertArgument(command.args, 2);
+    if (after.sub || after.sup) {
+        auto* nary = operand.size() == 1 ? ommlAs<ONaryOperator>(operand.front().get()) : nullptr;
+        if (nary && nary->subHide && nary->supHide) {
+            // The operator's own limit slots hold the scripts after it.
+            if (after.sub) {
+                nary->subHide = false;
+                nary->sub = converter.convert(*after.sub);
+            }
+            if (after.sup) {
+                nary->supHide = false;
+                nary->sup = converter.convert(*after.sup);
+            }
+        } else {
+            operand =
+                makeOmmlList(makeScriptElement(std::move(operand), convertIfPresent(converter, after.sub),
+                                               convertIfPresent(converter, after.sup)));
+        }
+    }
+    if (!before.sub && !before.sup)
+        return operand;
+    OPreSubSuperscript prescripts;
+    prescripts.e = std::move(operand);
+    prescripts.sub = converter.convert(before.sub);
+    prescripts.sup = converter.convert(before.sup);
+    prescripts.ctrlPr = converter.currentStyle();
+    return makeOmmlList(makeOmmlNode(std::move(prescripts)));
 }

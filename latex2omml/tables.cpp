@@ -20,6 +20,7 @@ struct KCommandRow {
     const char16_t* text;
     CommandFunction command;
     ScriptFunction script = nullptr;
+    std::size_t arity = 0;
 };
 
 struct KEnvironmentRow {
@@ -68,7 +69,7 @@ const QHash<QString, KLatexSymbol>& commandTable()
         QHash<QString, KLatexSymbol> built;
         built.reserve(int(std::size(kCommandRows)));
         for (const KCommandRow& row : kCommandRows) {
-            KLatexSymbol entry{fromUtf16(row.text), row.command, {}};
+            KLatexSymbol entry{fromUtf16(row.text), row.command, {}, row.arity};
             if (row.script)
                 entry.script = row.script;
             built.insert(fromUtf16(row.name), std::move(entry));

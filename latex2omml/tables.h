@@ -5,12 +5,16 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <vector>
 
 struct KLatexSymbol {
     QString text;           // the character(s) the command stands for; may be empty
     CommandHandler command; // always set
     ScriptHandler script;   // set only for families that take their own limits
+    // Non-zero for a command that takes the node after it as its last argument:
+    // its argument count with that node included.
+    std::size_t arity = 0;
 };
 
 struct KLatexEnvironment {

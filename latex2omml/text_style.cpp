@@ -34,6 +34,9 @@ const QHash<QString, KMathAlphabet>& mathAlphabets()
         {QStringLiteral("bf"), {{}, OStyle::bold}},
         {QStringLiteral("boldsymbol"), {{}, OStyle::boldItalic}},
         {QStringLiteral("pmb"), {{}, OStyle::boldItalic}},
+        {QStringLiteral("bm"), {{}, OStyle::boldItalic}},
+        {QStringLiteral("mathbit"), {{}, OStyle::boldItalic}},
+        {QStringLiteral("mathnormal"), {{}, {}}},
         {QStringLiteral("mathcal"), {OScript::script, {}}},
         {QStringLiteral("mathscr"), {OScript::script, {}}},
         {QStringLiteral("cal"), {OScript::script, {}}},
@@ -77,6 +80,8 @@ const QHash<QString, KTextFont>& textFonts()
         {QStringLiteral("textmd"), {}},
         {QStringLiteral("textsl"), {}},
         {QStringLiteral("textsc"), {}},
+        {QStringLiteral("intertext"), {}},
+        {QStringLiteral("shortintertext"), {}},
         {QStringLiteral("textbf"), {{}, OStyle::bold, true, false}},
         {QStringLiteral("textit"), {{}, OStyle::italic, false, true}},
         {QStringLiteral("emph"), {{}, OStyle::italic, false, true}},
@@ -125,6 +130,114 @@ const QHash<QString, KBoxKind>& boxKinds()
         {QStringLiteral("fbox"), KBoxKind::border},  {QStringLiteral("boxed"), KBoxKind::border},
         {QStringLiteral("mbox"), KBoxKind::noBreak}, {QStringLiteral("hbox"), KBoxKind::noBreak},
         {QStringLiteral("vbox"), KBoxKind::noBreak},
+    };
+    return table;
+}
+
+// The framed and sized boxes that take options before their content.
+enum class KFrame { always, never, whenAsked };
+
+const QHash<QString, KFrame>& framedBoxes()
+{
+    static const QHash<QString, KFrame> table = {
+        {QStringLiteral("framebox"), KFrame::always},
+        {QStringLiteral("fcolorbox"), KFrame::always},
+        {QStringLiteral("makebox"), KFrame::never},
+        // \bbox[options]{x} draws a frame only when the options ask for a border.
+        {QStringLiteral("bbox"), KFrame::whenAsked},
+    };
+    return table;
+}
+
+OBorderBox borderAround(KOmmlNodeList content, const OControlProperties& ctrlPr)
+{
+    OBorderBox border;
+    border.e = std::move(content);
+    border.ctrlPr = ctrlPr;
+    return border;
+}
+
+// ---- enclosures --------------------------------------------------------------
+
+// What one \enclose notation adds: sides of a frame, or a stroke.
+struct KNotation {
+    bool top = false, bottom = false, left = false, right = false;
+    bool strikeH = false, strikeV = false, strikeBLTR = false, strikeTLBR = false;
+};
+
+const std::vector<std::pair<QString, KNotation>>& notations()
+{
+    // Longer names first, so that scanning text without separators finds them whole.
+    static const std::vector<std::pair<QString, KNotation>> table = {
+        {QStringLiteral("updiagonalstrike"), {false, false, false, false, false, false, true, false}},
+        {QStringLiteral("downdiagonalstrike"), {false, false, false, false, false, false, false, true}},
+        {QStringLiteral("updiagonalarrow"), {false, false, false, false, false, false, true, false}},
+        {QStringLiteral("northeastarrow"), {false, false, false, false, false, false, true, false}},
+        {QStringLiteral("horizontalstrike"), {false, false, false, false, true, false, false, false}},
+        {QStringLiteral("verticalstrike"), {false, false, false, false, false, true, false, false}},
+        {QStringLiteral("phasorangle"), {true, true, true, true}},
+        {QStringLiteral("roundedbox"), {true, true, true, true}},
+        {QStringLiteral("actuarial"), {true, false, false, true}},
+        {QStringLiteral("madruwb"), {false, true, false, true}},
+        {QStringLiteral("longdiv"), {true, false, true, false}},
+        {QStringLiteral("radical"), {true, true, true, true}},
+        {QStringLiteral("circle"), {true, true, true, true}},
+        {QStringLiteral("bottom"), {false, true, false, false}},
+        {QStringLiteral("right"), {false, false, false, true}},
+        {QStringLiteral("left"), {false, false, true, false}},
+        {QStringLiteral("box"), {true, true, true, true}},
+        {QStringLiteral("top"), {true, false, false, false}},
+    };
+    return table;
+}
+
+// The union of the notations named in the text, which may run together once the
+// lexer has dropped the spaces between them. Nothing recognised is a full frame.
+KNotation readNotation(const QString& text)
+{
+    KNotation result;
+    bool any = false;
+    const QString lower = text.toLower();
+    for (int i = 0; i < lower.size();) {
+        bool matched = false;
+        for (const auto& [name, notation] : notations()) {
+            if (!lower.midRef(i).startsWith(name))
+                continue;
+            result.top |= notation.top;
+            result.bottom |= notation.bottom;
+            result.left |= notation.left;
+            result.right |= notation.right;
+            result.strikeH |= notation.strikeH;
+            result.strikeV |= notation.strikeV;
+            result.strikeBLTR |= notation.strikeBLTR;
+            result.strikeTLBR |= notation.strikeTLBR;
+            i += name.size();
+            matched = any = true;
+            break;
+        }
+        if (!matched)
+            ++i;
+    }
+    if (!any)
+        result.top = result.bottom = result.left = result.right = true;
+    return result;
+}
+
+// ---- labels ------------------------------------------------------------------
+
+struct KLabelForm {
+    const char16_t* open;
+    const char16_t* close;
+};
+
+const QHash<QString, KLabelForm>& labelForms()
+{
+    // An equation tag and a reference to one show in parentheses; a plain
+    // reference shows its key.
+    static const QHash<QString, KLabelForm> table = {
+        {QStringLiteral("tag"), {u"(", u")"}},
+        {QStringLiteral("eqref"), {u"(", u")"}},
+        {QStringLiteral("ref"), {u"", u""}},
     };
     return table;
 }
@@ -238,12 +351,19 @@ KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
     return convertStyled(ast, style, *content);
 }
 
+// The arguments after an optional colour model ([rgb]), which has no OMML form.
+KLatexArgs::const_iterator afterColourModel(const KLatexArgs& args)
+{
+    return !args.empty() && args.front().optional ? args.begin() + 1 : args.begin();
+}
+
 KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    if (!hasExactArguments(command.args, 2))
+    const auto first = afterColourModel(command.args);
+    if (command.args.end() - first != 2 || !first[0].node || !first[1].node)
         return {};
-    const QString name = colourText(*command.args[0].node);
-    KOmmlNodeList converted = ast.convert(*command.args[1].node);
+    const QString name = colourText(*first[0].node);
+    KOmmlNodeList converted = ast.convert(*first[1].node);
     if (name.isEmpty())
         return {};
     for (auto& node : converted)
@@ -254,10 +374,11 @@ KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList colorBox(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    // The background colour has no OMML form; only the content is kept.
-    if (command.args.size() != 2 || !argumentNode(command.args, 0))
+    // The background colour has no OMML form; only the content, the last argument, is kept.
+    const auto first = afterColourModel(command.args);
+    if (command.args.end() - first < 2 || !first[0].node)
         return {};
-    return ast.convertArgument(command.args, 1);
+    return ast.convert(command.args.back().node.get());
 }
 
 KOmmlNodeList box(KLatexAst2Omml& ast, const KLatexCommand& command)
@@ -325,4 +446,117 @@ KOmmlNodeList modulo(KLatexAst2Omml& ast, const KLatexCommand& command)
         appendNodes(result, ast.convert(*operand));
     }
     return result;
+}
+
+KOmmlNodeList phantom(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \phantom, \hphantom and \vphantom all reserve the space of their content.
+    const KLatexNode* content = argumentNode(command.args, 0);
+    if (!content)
+        return {};
+    OPhantom hidden;
+    hidden.e = ast.convert(*content);
+    hidden.ctrlPr = ast.currentStyle();
+    return makeOmmlList(makeOmmlNode(std::move(hidden)));
+}
+
+KOmmlNodeList framedBox(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // Widths, positions and colours before the content have no OMML form.
+    const KLatexNode* content = lastMandatoryArgument(command.args);
+    const auto found = framedBoxes().constFind(command.name);
+    if (!content || found == framedBoxes().constEnd())
+        return {};
+    bool framed = *found == KFrame::always;
+    if (*found == KFrame::whenAsked) {
+        for (const KLatexArg& arg : command.args)
+            if (arg.optional &&
+                plainText(arg.node.get()).contains(QLatin1String("border"), Qt::CaseInsensitive))
+                framed = true;
+        if (!framed)
+            return ast.convert(*content);
+    }
+    KOmmlNodeList converted = ast.convert(*content);
+    if (framed)
+        return makeOmmlList(makeOmmlNode(borderAround(std::move(converted), ast.currentStyle())));
+    OBox plain;
+    plain.e = std::move(converted);
+    plain.ctrlPr = ast.currentStyle();
+    plain.noBreak = true;
+    return makeOmmlList(makeOmmlNode(std::move(plain)));
+}
+
+KOmmlNodeList enclosure(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \enclose{notation}[attributes]{content}
+    std::vector<const KLatexNode*> mandatory;
+    for (const KLatexArg& arg : command.args)
+        if (!arg.optional)
+            mandatory.push_back(arg.node.get());
+    if (mandatory.size() != 2 || !mandatory[1])
+        return {};
+    const KNotation notation = readNotation(plainText(mandatory[0]));
+    OBorderBox border = borderAround(ast.convert(*mandatory[1]), ast.currentStyle());
+    border.hideTop = !notation.top;
+    border.hideBot = !notation.bottom;
+    border.hideLeft = !notation.left;
+    border.hideRight = !notation.right;
+    border.strikeH = notation.strikeH;
+    border.strikeV = notation.strikeV;
+    border.strikeBLTR = notation.strikeBLTR;
+    border.strikeTLBR = notation.strikeTLBR;
+    return makeOmmlList(makeOmmlNode(std::move(border)));
+}
+
+KOmmlNodeList unicodeCharacter(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \unicode{x2208} (hexadecimal after x) or \unicode{8712} (decimal).
+    const KLatexNode* code = lastMandatoryArgument(command.args);
+    if (!code)
+        return {};
+    const QString written = plainText(code).trimmed();
+    QString digits = written;
+    int base = 10;
+    if (digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)) {
+        digits = digits.mid(2);
+        base = 16;
+    } else if (digits.startsWith(QLatin1Char('x'), Qt::CaseInsensitive)) {
+        digits = digits.mid(1);
+        base = 16;
+    }
+    bool ok = false;
+    const uint value = digits.toUInt(&ok, base);
+    constexpr uint kLastCodePoint = 0x10FFFF;
+    const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
+    if (!ok || value == 0 || value > kLastCodePoint || surrogate) {
+        // Not a character: show what was written rather than lose it.
+        return written.isEmpty() ? KOmmlNodeList() : makeOmmlList(ast.makeStyledRun(written));
+    }
+    const char32_t character = value;
+    return makeOmmlList(ast.makeStyledRun(QString::fromUcs4(&character, 1)));
+}
+
+KOmmlNodeList equationLabel(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    const KLatexNode* content = lastMandatoryArgument(command.args);
+    const auto found = labelForms().constFind(command.name);
+    if (!content || found == labelForms().constEnd())
+        return {};
+    // Labels are text: upright, whatever the surrounding math style is.
+    ast.pushStyle(uprightStyle(ast.currentStyle()));
+    KOmmlNodeList result;
+    if (*found->open)
+        result.push_back(ast.makeStyledRun(QString::fromUtf16(found->open)));
+    appendNodes(result, ast.convert(*content));
+    if (*found->close)
+        result.push_back(ast.makeStyledRun(QString::fromUtf16(found->close)));
+    ast.popStyle();
+    return result;
+}
+
+KOmmlNodeList spannedCell(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \multicolumn{count}{columns}{content}: only the content is visible.
+    const KLatexNode* content = lastMandatoryArgument(command.args);
+    return command.args.size() < 3 || !content ? KOmmlNodeList() : ast.convert(*content);
 }

@@ -18,99 +18,99 @@ template <class Kind> struct ArgumentSlot {
 
 class KOmmlXmlReader {
 public:
-    KOmmlNodePtr element(const QDomElement& element)
+    KOmmlNodePtr element(const KXmlElement& element)
     {
         if (m_depth >= kMaxOmmlReadDepth)
             return nullptr;
-        using Read = KOmmlNodePtr (*)(KOmmlXmlReader&, const QDomElement&);
+        using Read = KOmmlNodePtr (*)(KOmmlXmlReader&, const KXmlElement&);
         struct Entry {
             const char* tag;
             Read read;
         };
         static const Entry kElements[] = {
-            {"m:oMathPara", [](KOmmlXmlReader& r, const QDomElement& e) { return r.paragraph(e); }},
-            {"m:oMath", [](KOmmlXmlReader& r, const QDomElement& e) { return r.equation(e); }},
-            {"m:r", [](KOmmlXmlReader& r, const QDomElement& e) { return r.run(e); }},
+            {"m:oMathPara", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.paragraph(e); }},
+            {"m:oMath", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.equation(e); }},
+            {"m:r", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.run(e); }},
             {"m:d",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<ODelimiter>(e, "m:dPr", delimiterProperties, {{"m:e", &ODelimiter::e}});
              }},
-            {"m:m", [](KOmmlXmlReader& r, const QDomElement& e) { return r.matrix(e); }},
+            {"m:m", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.matrix(e); }},
             {"m:f",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OFraction>(e, "m:fPr", fractionProperties,
                                                {{"m:num", &OFraction::num}, {"m:den", &OFraction::den}});
              }},
             {"m:sSup",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OSuperscript>(e, "m:sSupPr", controlOnlyProperties<OSuperscript>,
                                                   {{"m:e", &OSuperscript::e}, {"m:sup", &OSuperscript::sup}});
              }},
             {"m:sSub",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OSubscript>(e, "m:sSubPr", controlOnlyProperties<OSubscript>,
                                                 {{"m:e", &OSubscript::e}, {"m:sub", &OSubscript::sub}});
              }},
             {"m:sSubSup",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OSubSuperscript>(e, "m:sSubSupPr", controlOnlyProperties<OSubSuperscript>,
                                                      {{"m:e", &OSubSuperscript::e},
                                                       {"m:sub", &OSubSuperscript::sub},
                                                       {"m:sup", &OSubSuperscript::sup}});
              }},
-            {"m:rad", [](KOmmlXmlReader& r, const QDomElement& e) { return r.radical(e); }},
+            {"m:rad", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.radical(e); }},
             {"m:nary",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<ONaryOperator>(e, "m:naryPr", naryProperties,
                                                    {{"m:sub", &ONaryOperator::sub},
                                                     {"m:sup", &ONaryOperator::sup},
                                                     {"m:e", &ONaryOperator::e}});
              }},
             {"m:func",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OFunction>(e, "m:funcPr", controlOnlyProperties<OFunction>,
                                                {{"m:fName", &OFunction::fName}, {"m:e", &OFunction::e}});
              }},
             {"m:limLow",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OLimitLower>(e, "m:limLowPr", controlOnlyProperties<OLimitLower>,
                                                  {{"m:e", &OLimitLower::e}, {"m:lim", &OLimitLower::lim}});
              }},
             {"m:limUpp",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OLimitUpper>(e, "m:limUppPr", controlOnlyProperties<OLimitUpper>,
                                                  {{"m:e", &OLimitUpper::e}, {"m:lim", &OLimitUpper::lim}});
              }},
             {"m:acc",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OAccent>(e, "m:accPr", accentProperties, {{"m:e", &OAccent::e}});
              }},
             {"m:bar",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OBar>(e, "m:barPr", barProperties, {{"m:e", &OBar::e}});
              }},
             {"m:borderBox",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OBorderBox>(e, "m:borderBoxPr", borderBoxProperties,
                                                 {{"m:e", &OBorderBox::e}});
              }},
             {"m:groupChr",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OGroupChar>(e, "m:groupChrPr", groupCharProperties,
                                                 {{"m:e", &OGroupChar::e}});
              }},
             {"m:box",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OBox>(e, "m:boxPr", boxProperties, {{"m:e", &OBox::e}});
              }},
-            {"m:eqArr", [](KOmmlXmlReader& r, const QDomElement& e) { return r.equationArray(e); }},
+            {"m:eqArr", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.equationArray(e); }},
             {"m:phant",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OPhantom>(e, "m:phantPr", controlOnlyProperties<OPhantom>,
                                               {{"m:e", &OPhantom::e}});
              }},
             {"m:sPre",
-             [](KOmmlXmlReader& r, const QDomElement& e) {
+             [](KOmmlXmlReader& r, const KXmlElement& e) {
                  return r.structure<OPreSubSuperscript>(e, "m:sPrePr",
                                                         controlOnlyProperties<OPreSubSuperscript>,
                                                         {{"m:e", &OPreSubSuperscript::e},
@@ -118,7 +118,7 @@ public:
                                                          {"m:sup", &OPreSubSuperscript::sup}});
              }},
         };
-        const QString tag = element.tagName();
+        const QStringView tag = element.tagName();
         for (const Entry& entry : kElements) {
             if (tag == QLatin1String(entry.tag)) {
                 ++m_depth;
@@ -131,10 +131,10 @@ public:
     }
 
 private:
-    KOmmlNodeList nodes(const QDomElement& parent)
+    KOmmlNodeList nodes(const KXmlElement& parent)
     {
         KOmmlNodeList list;
-        forEachChildElement(parent, [&](const QDomElement& child, const QString&) {
+        parent.forEachChild([&](const KXmlElement& child, QStringView) {
             if (KOmmlNodePtr node = element(child))
                 list.push_back(std::move(node));
         });
@@ -145,12 +145,12 @@ private:
     // by a fresh one filled from its children; an argument element replaces
     // that argument, so the last occurrence wins; anything else is ignored.
     template <class Kind>
-    KOmmlNodePtr structure(const QDomElement& element, const char* propertiesTag,
-                           void (*readProperties)(Kind&, const QDomElement&),
+    KOmmlNodePtr structure(const KXmlElement& element, const char* propertiesTag,
+                           void (*readProperties)(Kind&, const KXmlElement&),
                            std::initializer_list<ArgumentSlot<Kind>> arguments)
     {
         Kind kind;
-        forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
             if (is(tag, propertiesTag)) {
                 Kind fresh;
                 for (const ArgumentSlot<Kind>& slot : arguments)
@@ -169,13 +169,13 @@ private:
         return makeOmmlNode(std::move(kind));
     }
 
-    KOmmlNodePtr paragraph(const QDomElement& element)
+    KOmmlNodePtr paragraph(const KXmlElement& element)
     {
         OMathParagraph p;
-        forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
             if (is(tag, "m:oMathParaPr")) {
                 p.justification = OJustification::centerGroup;
-                forEachChildElement(child, [&](const QDomElement& prop, const QString& propTag) {
+                child.forEachChild([&](const KXmlElement& prop, QStringView propTag) {
                     if (is(propTag, "m:jc"))
                         p.justification = justificationValue(prop);
                 });
@@ -187,12 +187,12 @@ private:
         return makeOmmlNode(std::move(p));
     }
 
-    KOmmlNodePtr equation(const QDomElement& element) { return makeOmmlNode(OMathEquation{nodes(element)}); }
+    KOmmlNodePtr equation(const KXmlElement& element) { return makeOmmlNode(OMathEquation{nodes(element)}); }
 
-    KOmmlNodePtr run(const QDomElement& element)
+    KOmmlNodePtr run(const KXmlElement& element)
     {
         ORun r;
-        forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
             if (is(tag, "m:rPr"))
                 r.mathProps = readMathRunProperties(child);
             else if (is(tag, "w:rPr"))
@@ -203,10 +203,10 @@ private:
         return makeOmmlNode(std::move(r));
     }
 
-    KOmmlNodePtr radical(const QDomElement& element)
+    KOmmlNodePtr radical(const KXmlElement& element)
     {
         ORadical r;
-        forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
             if (is(tag, "m:radPr")) {
                 r.ctrlPr = {};
                 r.degHide = false;
@@ -223,10 +223,10 @@ private:
         return makeOmmlNode(std::move(r));
     }
 
-    KOmmlNodePtr equationArray(const QDomElement& element)
+    KOmmlNodePtr equationArray(const KXmlElement& element)
     {
         OEquationArray a;
-        forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
             if (is(tag, "m:eqArrPr")) {
                 a.ctrlPr = {};
                 controlOnlyProperties(a, child);
@@ -237,10 +237,10 @@ private:
         return makeOmmlNode(std::move(a));
     }
 
-    KOmmlNodePtr matrix(const QDomElement& element)
+    KOmmlNodePtr matrix(const KXmlElement& element)
     {
         OMatrix m;
-        forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
             if (is(tag, "m:mPr")) {
                 std::vector<OMatrixRow> rows = std::move(m.rows);
                 m = OMatrix{};
@@ -248,7 +248,7 @@ private:
                 matrixProperties(m, child);
             } else if (is(tag, "m:mr")) {
                 OMatrixRow row;
-                forEachChildElement(child, [&](const QDomElement& cell, const QString& cellTag) {
+                child.forEachChild([&](const KXmlElement& cell, QStringView cellTag) {
                     if (is(cellTag, "m:e"))
                         row.push_back(nodes(cell));
                 });
@@ -354,11 +354,13 @@ bool nestingWithinLimit(const QString& xml)
 
 KOmmlNodePtr readOmmlElement(const QDomElement& element)
 {
+    KXmlElementTree tree;
+    copyDomElementTree(element, tree);
     KOmmlXmlReader reader;
-    return reader.element(element);
+    return reader.element(KXmlElement(&tree, 0));
 }
 
-KOmmlNodePtr readOmmlDocument(const QString& xml)
+KOmmlNodePtr readOmmlDocumentDom(const QString& xml)
 {
     if (!nestingWithinLimit(xml))
         return nullptr;
@@ -366,4 +368,19 @@ KOmmlNodePtr readOmmlDocument(const QString& xml)
     if (!document.setContent(xml))
         return nullptr;
     return readOmmlElement(document.documentElement());
+}
+
+KOmmlNodePtr readOmmlDocument(const QString& xml)
+{
+    KXmlElementTree tree;
+    switch (readXmlElementTree(xml, kMaxOmmlReadDepth, tree)) {
+    case KXmlStreamResult::read:
+        break;
+    case KXmlStreamResult::tooDeep:
+        return nullptr;
+    case KXmlStreamResult::unsupported:
+        return readOmmlDocumentDom(xml);
+    }
+    KOmmlXmlReader reader;
+    return reader.element(KXmlElement(&tree, 0));
 }

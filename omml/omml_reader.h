@@ -23,7 +23,16 @@ constexpr int kMaxOmmlReadDepth = 1000;
 // Parses the text and reads its document element. Returns null when the text is
 // not well-formed XML, nests deeper than kMaxOmmlReadDepth, or its document
 // element is not one of the OMML elements the model knows.
+//
+// Text is read in one streaming pass; what that pass does not take as it
+// stands (a document type declaration, text the streaming parser rejects,
+// lone surrogates) goes to the DOM parser, which has the last word on what is
+// well-formed.
 KOmmlNodePtr readOmmlDocument(const QString& xml);
+
+// The same through a QDomDocument only: the reference the streaming pass is
+// checked against.
+KOmmlNodePtr readOmmlDocumentDom(const QString& xml);
 
 // Reads one element (and its subtree) of an already parsed document; null for
 // an unknown tag. Subtrees deeper than kMaxOmmlReadDepth below the element are

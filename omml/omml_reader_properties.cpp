@@ -4,9 +4,9 @@ namespace ommlread {
 
 namespace {
 
-QString mVal(const QDomElement& element)
+QString mVal(const KXmlElement& element)
 {
-    return element.attribute(QStringLiteral("m:val"));
+    return element.attribute(QLatin1String("m:val"));
 }
 
 QString folded(const QString& value)
@@ -16,26 +16,26 @@ QString folded(const QString& value)
 
 // "on" and "1" switch a flag on; everything else, "true" and a missing value
 // included, switches it off.
-bool onOffValue(const QDomElement& element)
+bool onOffValue(const KXmlElement& element)
 {
     const QString value = folded(mVal(element));
     return value == QLatin1String("on") || value == QLatin1String("1");
 }
 
 // Only "top" is top; "bot", "bottom", empty and unknown values are bottom.
-OPosition positionValue(const QDomElement& element)
+OPosition positionValue(const KXmlElement& element)
 {
     return folded(mVal(element)) == QLatin1String("top") ? OPosition::top : OPosition::bottom;
 }
 
 // Border box flags compare the raw value; a missing value counts as "0".
-bool borderFlagValue(const QDomElement& element)
+bool borderFlagValue(const KXmlElement& element)
 {
     const QString value = mVal(element);
     return value == QLatin1String("1") || value == QLatin1String("true") || value == QLatin1String("on");
 }
 
-OFractionType fractionTypeValue(const QDomElement& element)
+OFractionType fractionTypeValue(const KXmlElement& element)
 {
     // Compared exactly: "noBar" is not a fraction type and reads as bar.
     const QString value = mVal(element);
@@ -48,7 +48,7 @@ OFractionType fractionTypeValue(const QDomElement& element)
     return OFractionType::bar;
 }
 
-OScript scriptValue(const QDomElement& element)
+OScript scriptValue(const KXmlElement& element)
 {
     const QString value = folded(mVal(element));
     if (value == QLatin1String("script"))
@@ -64,7 +64,7 @@ OScript scriptValue(const QDomElement& element)
     return OScript::roman;
 }
 
-OStyle styleValue(const QDomElement& element)
+OStyle styleValue(const KXmlElement& element)
 {
     const QString value = folded(mVal(element));
     if (value == QLatin1String("b") || value == QLatin1String("bold"))
@@ -76,7 +76,7 @@ OStyle styleValue(const QDomElement& element)
     return OStyle::plain;
 }
 
-OColumnJustification columnJustificationValue(const QDomElement& element)
+OColumnJustification columnJustificationValue(const KXmlElement& element)
 {
     const QString value = folded(mVal(element));
     if (value == QLatin1String("left"))
@@ -87,7 +87,7 @@ OColumnJustification columnJustificationValue(const QDomElement& element)
 }
 
 // Group characters know only bottom and top here; "center" reads as top.
-OVerticalJustification verticalJustificationValue(const QDomElement& element)
+OVerticalJustification verticalJustificationValue(const KXmlElement& element)
 {
     const QString value = folded(mVal(element));
     if (value == QLatin1String("bot") || value == QLatin1String("bottom"))
@@ -123,13 +123,13 @@ std::optional<QColor> colourValue(const QString& value)
     return QColor(components[0], components[1], components[2], 255);
 }
 
-OMatrixColumn matrixColumn(const QDomElement& mc)
+OMatrixColumn matrixColumn(const KXmlElement& mc)
 {
     OMatrixColumn column;
-    forEachChildElement(mc, [&](const QDomElement& child, const QString& tag) {
+    mc.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (!is(tag, "m:mcPr"))
             return;
-        forEachChildElement(child, [&](const QDomElement& prop, const QString& propTag) {
+        child.forEachChild([&](const KXmlElement& prop, QStringView propTag) {
             if (is(propTag, "m:count"))
                 column.count = mVal(prop);
             else if (is(propTag, "m:mcJc"))
@@ -141,7 +141,7 @@ OMatrixColumn matrixColumn(const QDomElement& mc)
 
 } // namespace
 
-OJustification justificationValue(const QDomElement& element)
+OJustification justificationValue(const KXmlElement& element)
 {
     const QString value = folded(mVal(element));
     if (value == QLatin1String("left"))
@@ -153,10 +153,10 @@ OJustification justificationValue(const QDomElement& element)
     return OJustification::centerGroup;
 }
 
-OMathRunProperties readMathRunProperties(const QDomElement& element)
+OMathRunProperties readMathRunProperties(const KXmlElement& element)
 {
     OMathRunProperties props;
-    forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+    element.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:scr"))
             props.script = scriptValue(child);
         else if (is(tag, "m:sty"))
@@ -165,16 +165,16 @@ OMathRunProperties readMathRunProperties(const QDomElement& element)
     return props;
 }
 
-OWordRunProperties readWordRunProperties(const QDomElement& element)
+OWordRunProperties readWordRunProperties(const KXmlElement& element)
 {
     OWordRunProperties props;
-    forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+    element.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "w:rFonts")) {
-            props.asciiFont = child.attribute(QStringLiteral("w:ascii"));
-            props.hAnsiFont = child.attribute(QStringLiteral("w:hAnsi"));
+            props.asciiFont = child.attribute(QLatin1String("w:ascii"));
+            props.hAnsiFont = child.attribute(QLatin1String("w:hAnsi"));
             // Older documents spell the attribute with a hyphen.
             if (props.hAnsiFont.isEmpty())
-                props.hAnsiFont = child.attribute(QStringLiteral("w:h-ansi"));
+                props.hAnsiFont = child.attribute(QLatin1String("w:h-ansi"));
             // The model knows a single hint, whatever the document says.
             props.hint = OFontHint::defaultHint;
         } else if (is(tag, "w:i")) {
@@ -182,17 +182,17 @@ OWordRunProperties readWordRunProperties(const QDomElement& element)
         } else if (is(tag, "w:b")) {
             props.bold = true;
         } else if (is(tag, "w:color")) {
-            if (const auto colour = colourValue(child.attribute(QStringLiteral("w:val"))))
+            if (const auto colour = colourValue(child.attribute(QLatin1String("w:val"))))
                 props.color = colour;
         }
     });
     return props;
 }
 
-OControlProperties readControlProperties(const QDomElement& element)
+OControlProperties readControlProperties(const KXmlElement& element)
 {
     OControlProperties props;
-    forEachChildElement(element, [&](const QDomElement& child, const QString& tag) {
+    element.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "w:rPr"))
             props.wordProps = readWordRunProperties(child);
         else if (is(tag, "m:rPr"))
@@ -201,9 +201,9 @@ OControlProperties readControlProperties(const QDomElement& element)
     return props;
 }
 
-void fractionProperties(OFraction& f, const QDomElement& properties)
+void fractionProperties(OFraction& f, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:type"))
             f.type = fractionTypeValue(child);
         else if (is(tag, "m:ctrlPr"))
@@ -211,9 +211,9 @@ void fractionProperties(OFraction& f, const QDomElement& properties)
     });
 }
 
-void radicalProperties(ORadical& r, const QDomElement& properties)
+void radicalProperties(ORadical& r, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:ctrlPr"))
             r.ctrlPr = readControlProperties(child);
         else if (is(tag, "m:degHide"))
@@ -221,9 +221,9 @@ void radicalProperties(ORadical& r, const QDomElement& properties)
     });
 }
 
-void naryProperties(ONaryOperator& n, const QDomElement& properties)
+void naryProperties(ONaryOperator& n, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:ctrlPr"))
             n.ctrlPr = readControlProperties(child);
         else if (is(tag, "m:chr"))
@@ -238,9 +238,9 @@ void naryProperties(ONaryOperator& n, const QDomElement& properties)
     });
 }
 
-void delimiterProperties(ODelimiter& d, const QDomElement& properties)
+void delimiterProperties(ODelimiter& d, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         // A missing value means no fence on that side.
         if (is(tag, "m:begChr"))
             d.begChr = mVal(child);
@@ -251,9 +251,9 @@ void delimiterProperties(ODelimiter& d, const QDomElement& properties)
     });
 }
 
-void accentProperties(OAccent& a, const QDomElement& properties)
+void accentProperties(OAccent& a, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:ctrlPr"))
             a.ctrlPr = readControlProperties(child);
         else if (is(tag, "m:chr"))
@@ -261,18 +261,18 @@ void accentProperties(OAccent& a, const QDomElement& properties)
     });
 }
 
-void barProperties(OBar& b, const QDomElement& properties)
+void barProperties(OBar& b, const KXmlElement& properties)
 {
     // A properties element without m:pos puts the bar below; a bar has no
     // control properties.
     b.pos = OPosition::bottom;
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:pos"))
             b.pos = positionValue(child);
     });
 }
 
-void borderBoxProperties(OBorderBox& b, const QDomElement& properties)
+void borderBoxProperties(OBorderBox& b, const KXmlElement& properties)
 {
     struct Flag {
         const char* tag;
@@ -284,7 +284,7 @@ void borderBoxProperties(OBorderBox& b, const QDomElement& properties)
         {"m:strikeH", &OBorderBox::strikeH},       {"m:strikeV", &OBorderBox::strikeV},
         {"m:strikeBLTR", &OBorderBox::strikeBLTR}, {"m:strikeTLBR", &OBorderBox::strikeTLBR},
     };
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:ctrlPr")) {
             b.ctrlPr = readControlProperties(child);
             return;
@@ -296,9 +296,9 @@ void borderBoxProperties(OBorderBox& b, const QDomElement& properties)
     });
 }
 
-void groupCharProperties(OGroupChar& g, const QDomElement& properties)
+void groupCharProperties(OGroupChar& g, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:ctrlPr"))
             g.ctrlPr = readControlProperties(child);
         else if (is(tag, "m:chr"))
@@ -310,9 +310,9 @@ void groupCharProperties(OGroupChar& g, const QDomElement& properties)
     });
 }
 
-void boxProperties(OBox& b, const QDomElement& properties)
+void boxProperties(OBox& b, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:ctrlPr"))
             b.ctrlPr = readControlProperties(child);
         else if (is(tag, "m:noBreak"))
@@ -320,12 +320,12 @@ void boxProperties(OBox& b, const QDomElement& properties)
     });
 }
 
-void matrixProperties(OMatrix& m, const QDomElement& properties)
+void matrixProperties(OMatrix& m, const KXmlElement& properties)
 {
-    forEachChildElement(properties, [&](const QDomElement& child, const QString& tag) {
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
         if (is(tag, "m:mcs")) {
             // Several column groups append to one list.
-            forEachChildElement(child, [&](const QDomElement& mc, const QString& mcTag) {
+            child.forEachChild([&](const KXmlElement& mc, QStringView mcTag) {
                 if (is(mcTag, "m:mc"))
                     m.columns.push_back(matrixColumn(mc));
             });

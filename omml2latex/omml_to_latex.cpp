@@ -116,10 +116,13 @@ public:
 
     KLatexNodePtr operator()(const OFraction& fraction)
     {
-        QString name = QStringLiteral("frac");
+        // A fraction without bar outside parentheses is {N \atop D}; \binom would add them.
         if (fraction.type == OFractionType::noBar)
-            name = QStringLiteral("binom");
-        else if (fraction.type == OFractionType::linear)
+            return styled(
+                braced(groupOf(list(fraction.num), command(QStringLiteral("atop")), list(fraction.den))),
+                fraction.ctrlPr);
+        QString name = QStringLiteral("frac");
+        if (fraction.type == OFractionType::linear)
             name = QStringLiteral("tfrac");
         else if (fraction.type == OFractionType::skewed)
             name = QStringLiteral("sfrac");
@@ -190,6 +193,8 @@ public:
     KLatexNodePtr operator()(const OFunction& function)
     {
         KLatexNodePtr argument = list(function.e);
+        if (KLatexNodePtr name = namedLimits(function))
+            return styled(groupOf(std::move(name), braced(std::move(argument))), function.ctrlPr);
         const FunctionName split = splitFunctionName(function);
         KLatexNodePtr name;
         if (const auto* run = ommlAs<ORun>(single(*split.names))) {
@@ -223,9 +228,11 @@ public:
                               delimiter.ctrlPr);
             }
         }
-        if (delimiter.begChr == QLatin1String("{") && delimiter.endChr.isEmpty() &&
-            ommlAs<OEquationArray>(only))
-            return styled(convert(only), delimiter.ctrlPr);
+        if (delimiter.begChr == QLatin1String("{") && delimiter.endChr.isEmpty()) {
+            if (const auto* array = ommlAs<OEquationArray>(only))
+                return styled(styled(lines(*array, QStringLiteral("cases")), array->ctrlPr),
+                              delimiter.ctrlPr);
+        }
         KLatexNodePtr body = list(delimiter.e);
         KLatexNodePtr left = command(QStringLiteral("left"), fence(delimiter.begChr));
         KLatexNodePtr right = command(QStringLiteral("right"), fence(delimiter.endChr));
@@ -249,6 +256,13 @@ public:
     KLatexNodePtr operator()(const OBorderBox& box)
     {
         const bool allHidden = box.hideTop && box.hideBot && box.hideLeft && box.hideRight;
+        const bool noneHidden = !box.hideTop && !box.hideBot && !box.hideLeft && !box.hideRight;
+        const bool straight = box.strikeH || box.strikeV;
+        const bool diagonal = box.strikeBLTR || box.strikeTLBR;
+        // Partial frames and strokes that \boxed and the \cancel family cannot say.
+        if (straight || (!allHidden && !noneHidden) || (noneHidden && diagonal))
+            return styled(command(QStringLiteral("enclose"), makeText(encloseNotation(box)), list(box.e)),
+                          box.ctrlPr);
         QString name = QStringLiteral("boxed");
         if (allHidden && box.strikeBLTR && box.strikeTLBR)
             name = QStringLiteral("xcancel");
@@ -261,8 +275,13 @@ public:
 
     KLatexNodePtr operator()(const OGroupChar& group)
     {
-        if (groupCharCommands().contains(group.chr))
-            return styled(command(groupCharCommands().value(group.chr), list(group.e)), group.ctrlPr);
+        if (groupCharCommands().contains(group.chr)) {
+            // A brace or bracket above or below carries the italic switch by
+            // construction; it is part of the command, not a style of its own.
+            OControlProperties ctrlPr = group.ctrlPr;
+            ctrlPr.wordProps.italic = false;
+            return styled(command(groupCharCommands().value(group.chr), list(group.e)), ctrlPr);
+        }
         KLatexNodePtr symbol = arrowCommands().contains(group.chr) ? command(arrowCommands().value(group.chr))
                                                                    : makeText(group.chr);
         const QString name =
@@ -292,7 +311,10 @@ public:
                 cells.push_back(i < row.size() ? list(row[i]) : makeGroup());
             rows.push_back(makeRow(std::move(cells)));
         }
-        return styled(makeEnvironment(QStringLiteral("matrix"), {}, std::move(rows)), matrix.ctrlPr);
+        return styled(
+            makeEnvironment(isAlignment(matrix) ? QStringLiteral("aligned") : QStringLiteral("matrix"), {},
+                            std::move(rows)),
+            matrix.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OBox& box)
@@ -305,17 +327,8 @@ public:
 
     KLatexNodePtr operator()(const OEquationArray& array)
     {
-        if (array.rows.empty())
-            return styled(nullptr, array.ctrlPr);
-        KLatexNodeList rows;
-        for (const KOmmlNodeList& row : array.rows) {
-            KLatexNodeList cells;
-            cells.push_back(list(row));
-            rows.push_back(makeRow(std::move(cells)));
-        }
-        if (rows.size() == 1)
-            return styled(std::move(rows.front()), array.ctrlPr);
-        return styled(makeEnvironment(QStringLiteral("cases"), {}, std::move(rows)), array.ctrlPr);
+        // Centred lines without a brace; \begin{gathered} reads back as the same array.
+        return styled(lines(array, QStringLiteral("gathered")), array.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OPhantom& phantom)
@@ -325,12 +338,126 @@ public:
 
     KLatexNodePtr operator()(const OPreSubSuperscript& script)
     {
-        KLatexNodePtr scripts = makeScript(makeGroup(), list(script.sup), list(script.sub));
-        KLatexNodePtr base = list(script.e);
-        return styled(groupOf(std::move(scripts), std::move(base)), script.ctrlPr);
+        // \sideset{_B^S}{}{E}: the scripts stay attached to their base.
+        KLatexArgs args;
+        args.push_back(braceArg(makeScript(makeGroup(), list(script.sup), list(script.sub))));
+        args.push_back(braceArg(makeGroup()));
+        args.push_back(braceArg(list(script.e)));
+        return styled(makeCommand(QStringLiteral("sideset"), std::move(args)), script.ctrlPr);
     }
 
 private:
+    // An operator name with limits below (and above): \lim_{L}^{U}, or
+    // \operatorname*{name}_{L} for a name that is no limit command. Null when the
+    // function's name is not of that shape.
+    KLatexNodePtr namedLimits(const OFunction& function)
+    {
+        const KOmmlNode* only = single(function.fName);
+        const OLimitLower* lower = ommlAs<OLimitLower>(only);
+        const KOmmlNodeList* upper = nullptr;
+        if (const auto* limitUpper = ommlAs<OLimitUpper>(only)) {
+            lower = ommlAs<OLimitLower>(single(limitUpper->e));
+            upper = &limitUpper->lim;
+        }
+        const auto* run = lower ? ommlAs<ORun>(single(lower->e)) : nullptr;
+        const QString text = run ? run->text.trimmed() : QString();
+        if (text.isEmpty())
+            return nullptr;
+        const QString lowered = text.toLower();
+        KLatexNodePtr name;
+        KLatexNodePtr sub;
+        if (isLimitName(lowered)) {
+            if (!upper)
+                return nullptr; // the limit element alone says it: \lim_{L}
+            name = command(lowered);
+            sub = list(lower->lim);
+        } else {
+            name = command(QStringLiteral("operatorname*"), spacedText(text));
+            if (!present(lower->lim).empty())
+                sub = list(lower->lim);
+        }
+        KLatexNodePtr sup = upper ? list(*upper) : nullptr;
+        if (sub || sup)
+            name = makeScript(std::move(name), std::move(sup), std::move(sub));
+        return name;
+    }
+
+    // Columns justified right, left, right, ... are the alignment points of
+    // \begin{aligned}, which reads back with the same justifications.
+    static bool isAlignment(const OMatrix& matrix)
+    {
+        if (matrix.columns.empty())
+            return false;
+        for (std::size_t i = 0; i < matrix.columns.size(); ++i) {
+            const OColumnJustification expected =
+                i % 2 == 0 ? OColumnJustification::right : OColumnJustification::left;
+            if (matrix.columns[i].justification != expected)
+                return false;
+        }
+        return true;
+    }
+
+    // Text in which each space is the control space "\ ", which survives reading.
+    static KLatexNodePtr spacedText(const QString& text)
+    {
+        const QStringList words = text.split(QLatin1Char(' '));
+        if (words.size() == 1)
+            return makeText(text);
+        KLatexNodeList pieces;
+        for (int i = 0; i < words.size(); ++i) {
+            if (i > 0)
+                pieces.push_back(makeCommand(QStringLiteral(" ")));
+            if (!words[i].isEmpty())
+                pieces.push_back(makeText(words[i]));
+        }
+        return makeGroup(std::move(pieces));
+    }
+
+    // The rows of an equation array, one cell each, as the environment `name`;
+    // a single row stands alone.
+    KLatexNodePtr lines(const OEquationArray& array, const QString& name)
+    {
+        if (array.rows.empty())
+            return nullptr;
+        KLatexNodeList rows;
+        for (const KOmmlNodeList& row : array.rows) {
+            KLatexNodeList cells;
+            cells.push_back(list(row));
+            rows.push_back(makeRow(std::move(cells)));
+        }
+        if (rows.size() == 1)
+            return std::move(rows.front());
+        return makeEnvironment(name, {}, std::move(rows));
+    }
+
+    // The \enclose notations of a border box: the visible sides (or "box" for
+    // all four) and the strokes.
+    static QString encloseNotation(const OBorderBox& box)
+    {
+        QStringList notation;
+        if (!box.hideTop && !box.hideBot && !box.hideLeft && !box.hideRight) {
+            notation << QStringLiteral("box");
+        } else {
+            if (!box.hideTop)
+                notation << QStringLiteral("top");
+            if (!box.hideBot)
+                notation << QStringLiteral("bottom");
+            if (!box.hideLeft)
+                notation << QStringLiteral("left");
+            if (!box.hideRight)
+                notation << QStringLiteral("right");
+        }
+        if (box.strikeH)
+            notation << QStringLiteral("horizontalstrike");
+        if (box.strikeV)
+            notation << QStringLiteral("verticalstrike");
+        if (box.strikeBLTR)
+            notation << QStringLiteral("updiagonalstrike");
+        if (box.strikeTLBR)
+            notation << QStringLiteral("downdiagonalstrike");
+        return notation.join(QLatin1Char(','));
+    }
+
     KLatexNodePtr convert(const KOmmlNode* node) { return m_converter.convert(node); }
     KLatexNodePtr list(const KOmmlNodeList& nodes) { return m_converter.convertList(nodes); }
 

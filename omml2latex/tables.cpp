@@ -113,12 +113,18 @@ QString fontFamilyCommand(const QString& lowerFontName)
             map.insert(QString::fromUtf16(entry.key), QString::fromUtf16(entry.value));
         return map;
     }();
-    QString command;
-    for (auto it = families.cbegin(); it != families.cend(); ++it) {
-        if (lowerFontName.contains(it.key()))
-            command = it.value();
-    }
-    return command;
+    const auto match = [&](const QString& name) {
+        QString command;
+        for (auto it = families.cbegin(); it != families.cend(); ++it) {
+            if (name.contains(it.key()))
+                command = it.value();
+        }
+        return command;
+    };
+    // Nearly every run carries the default math font: its answer is worked out once.
+    static const QString defaultFont = kDefaultMathFont.toLower();
+    static const QString defaultCommand = match(defaultFont);
+    return lowerFontName == defaultFont ? defaultCommand : match(lowerFontName);
 }
 
 QString styleCommand(OStyle style)

@@ -111,9 +111,14 @@ TEST(LatexWriter, PrintsWholeTrees)
         {script(t("x"), t("2"), t("i")), "x^{2}_{i}", options(false, false)},
         {script(t("x"), nullptr, t("i")), "x_i"},
         {script(t("x"), group(t("a"), t("b"))), "x^{a b}"},
-        {script(group(), t("2"), t("3")), "^2_3"},
-        {std::make_unique<KLatexNode>(KLatexNode{KLatexScript{nullptr, t("2"), nullptr}}), "^2"},
+        {script(group(), t("2"), t("3")), "{}^2_3"},
+        {std::make_unique<KLatexNode>(KLatexNode{KLatexScript{nullptr, t("2"), nullptr}}), "{}^2"},
         {group(script(t("x"), t("2")), t("3")), "x^2 3"},
+        // A base that ends in a script of the same kind is closed in braces.
+        {script(script(t("x"), nullptr, t("a")), nullptr, t("b")), "{x_a}_b"},
+        {script(group(t("y"), script(t("x"), t("a"))), t("b")), "{y x^a}^b"},
+        {script(script(t("x"), nullptr, t("a")), t("2")), "x_a^2"},
+        {group(script(t("u"), t("d"), t("a")), script(group(), nullptr, t("m"))), "u^d_a{}_m"},
         // Delimited groups.
         {makeLeftRight("|", "|", t("x"), false), "|x|"},
         {makeLeftRight("(", ")", group(), true), "\\left(  \\right)"},

@@ -38,7 +38,7 @@ INSTANTIATE_TEST_SUITE_P(
                   matrix({"right", "left", "right"}, {{a, r("=b"), ""}, {c}})},
         LatexCase{"\\begin{align*}a\\end{align*}\\begin{gather}b\\end{gather}\\begin{split}c&d\\end{split}",
                   matrix({"right"}, {{a}}) + matrix({"right"}, {{b}}) + matrix({"right", "left"}, {{c, dd}})},
-        LatexCase{"\\begin{Bmatrix}a\\end{Bmatrix}", ""},
+        LatexCase{"\\begin{Bmatrix}a\\end{Bmatrix}", d("{", "}", matrix(centre, {{a}}))},
         LatexCase{"\\begin{pmatrix}\xF0\x9D\x84\x9E\\end{pmatrix}",
                   d("(", ")", matrix(centre, {{r(QString::fromUtf8("\xF0\x9D\x84\x9E"))}}))}));
 

@@ -1,0 +1,174 @@
+// Commands that carry visible content convert to their natural OMML, commands
+// without visible content vanish, and an unknown command keeps its arguments.
+
+#include "omml_text.h"
+
+using namespace omml_text;
+
+namespace {
+
+const QString kNone, a = r("a"), b = r("b"), x = r("x");
+const QString nobar = QStringLiteral("nobar"), kSum = QStringLiteral("\u2211");
+const Look up = sty("p");
+
+// The runs of \ce, \pu and labels are upright.
+QString u(const QString& text)
+{
+    return r(text, up);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    StructuralCommands, LatexToOmml,
+    ::testing::Values(LatexCase{"\\operatorname*{arg\\,max}_x f",
+                                func(limLow(rp(QStringLiteral("arg\u2009max")), x), r("f"))},
+                      LatexCase{"\\operatorname*{sup}_a^b", func(limUpp(limLow(rp("sup"), a), b), kNone)},
+                      LatexCase{"\\operatorname*{lcm}", func(limLow(rp("lcm"), kNone), kNone)},
+                      LatexCase{"\\lcm x", func(limLow(rp("lcm"), kNone), x)},
+                      LatexCase{"\\ensuremath{\\eta}", r(QStringLiteral("\u03B7"))},
+                      LatexCase{"\\dbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
+                      LatexCase{"\\tbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
+                      LatexCase{"\\nicefrac{1}{2}", frac(r("1"), r("2"), "skw")},
+                      LatexCase{"\\unitfrac{m}{s}", frac(r("m"), r("s"), "skw")},
+                      LatexCase{"\\substack{i<j\\\\k}", eqArr({r("i&lt;j"), r("k")})},
+                      LatexCase{"\\sum_{\\substack{a\\\\b\\\\}}",
+                                nary(kSum, false, false, true, eqArr({a, b}), kNone, kNone)},
+                      LatexCase{"\\substack{a}", a}, LatexCase{"\\substack{}", kNone},
+                      LatexCase{"\\phantom{x}\\hphantom{a}\\vphantom{b}", phant(x) + phant(a) + phant(b)},
+                      LatexCase{"\\smallmatrix{a}", matrix({"center"}, {{a}})},
+                      LatexCase{"\\begin{gathered}a\\\\b\\end{gathered}", eqArr({a, b})},
+                      LatexCase{"\\begin{eqnarray}a&=&b\\end{eqnarray}",
+                                matrix({"right", "left", "right"}, {{a, r("="), b}})},
+                      LatexCase{"\\begin{flalign*}a\\end{flalign*}", matrix({"right"}, {{a}})}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Symbols, LatexToOmml,
+    ::testing::Values(
+        LatexCase{"\\boxplus\\boxminus\\boxdot\\circledast\\circledcirc\\circleddash\\shortmid\\nshortmid",
+                  r(QStringLiteral("\u229E\u229F\u22A1\u229B\u229A\u229D\u2223\u2224"))},
+        LatexCase{"\\idotsint", r(QStringLiteral("\u222B\u22EF\u222B"))},
+        LatexCase{"\\unicode{x2208}\\unicode{8712}\\unicode{X2209}", r(QStringLiteral("\u2208\u2208\u2209"))},
+        LatexCase{"\\unicode{x1D400}", r(QString::fromUtf8("\xF0\x9D\x90\x80"))},
+        LatexCase{"\\unicode{xD800}\\unicode{x110000}", r("xD800x110000")},
+        LatexCase{"\\unicode{zz}", r("zz")}, LatexCase{"\\unicode{}", kNone}));
+
+INSTANTIATE_TEST_SUITE_P(
+    StylesAndMarks, LatexToOmml,
+    ::testing::Values(LatexCase{"\\bm{x}", r("x", sty("bi"))}, LatexCase{"\\mathbf{\\mathnormal{x}}", x},
+                      LatexCase{"\\widecheck{x}", acc(QStringLiteral("\u030C"), x)},
+                      LatexCase{"\\wideparen{x}",
+                                groupChr(QStringLiteral("\u23DC"), "top", "bot", x, ctrl(sty("", true)))},
+                      LatexCase{"\\framebox{x}", frame(x)}, LatexCase{"\\makebox{x}", box(x)},
+                      LatexCase{"\\bbox[red]{x}", x}, LatexCase{"\\bbox[border:1px]{x}", frame(x)},
+                      LatexCase{"\\tag{1.2}", u("(1.2)")}, LatexCase{"x\\eqref{a}\\ref{b}", x + u("(a)b")},
+                      LatexCase{"x\\label{a}\\nonumber\\notag\\allowbreak\\nobreak", x}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Chemistry, LatexToOmml,
+    ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
+                      LatexCase{"\\ce{2NaCl}", u("2NaCl")}, LatexCase{"\\ce{Na12}", sSub(u("Na"), u("12"))},
+                      LatexCase{"\\ce{A->B<=>C}", u(QStringLiteral("A\u2192B\u21CCC"))},
+                      LatexCase{"\\ce{Fe^{3+}}", sSup(u("Fe"), u("3+"))},
+                      LatexCase{"\\ce{SO4^{2-}}", u("S") + sSubSup(u("O"), u("4"), u("2-"))},
+                      LatexCase{"\\ce{(OH)2}", u("(OH") + sSub(u(")"), u("2"))},
+                      LatexCase{"\\ce{e^-}", sSup(u("e"), u("-"))},
+                      LatexCase{"\\ce{\\alpha}", u(QStringLiteral("\u03B1"))}, LatexCase{"\\ce{}", kNone},
+                      LatexCase{"\\pu{kJ/mol}", u("kJ/mol")}));
+
+// An unknown command stays visible as its name and keeps what it was given.
+INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\foo{x}", r("\\foox")},
+                                           LatexCase{"\\foo[a]{b}", r("\\foo[a]b")},
+                                           LatexCase{"\\foo{\\frac{a}{b}}", r("\\foo") + frac(a, b)}));
+
+TEST(VisibleContent, UnknownCommandArgumentsInRenderMode)
+{
+    EXPECT_EQ(convertLatex("\\foo{x}", true), r("\\foo", colour("ff0000")) + x);
+}
+
+KLatexNodePtr scriptOnNothing(const char* sub, const char* sup)
+{
+    return makeScript(group(), text(QString::fromUtf8(sup)), text(QString::fromUtf8(sub)));
+}
+
+// Arities the text parser gives these commands only once it reads arguments as
+// TeX does; built as trees here.
+TEST(VisibleContent, CommandsWithManyArguments)
+{
+    auto genfrac = [](const char* left, const char* right, const char* thickness) {
+        return convertTree(command("genfrac", braced(left), braced(right), braced(thickness), braced(""),
+                                   braced("a"), braced("b")));
+    };
+    const QString fab = frac(a, b), noBar = frac(a, b, nobar);
+    EXPECT_EQ(genfrac("(", ")", "0pt"), d("(", ")", noBar));
+    EXPECT_EQ(genfrac("", "", ""), fab);
+    EXPECT_EQ(genfrac("[", "]", "1pt"), d("[", "]", fab));
+    EXPECT_EQ(genfrac(".", "|", "0.0em"), d("", "|", noBar));
+    EXPECT_EQ(convertTree(command("genfrac", arg(group(command("langle"))), arg(group(command("}"))),
+                                  braced("0"), braced(""), braced("a"), braced("b"))),
+              d(QStringLiteral("\u27E8"), "}", noBar));
+    EXPECT_EQ(convertTree(command("genfrac", braced("("), braced(")"), braced(""), braced("a"), braced("b"))),
+              kNone);
+
+    EXPECT_EQ(convertTree(command("unitfrac", arg(group(text("3")), true), braced("m"), braced("s"))),
+              r("3") + frac(r("m"), r("s"), "skw"));
+    EXPECT_EQ(convertTree(command("nicefrac", arg(group(text("it")), true), braced("1"), braced("2"))),
+              frac(r("1"), r("2"), "skw"));
+    EXPECT_EQ(convertTree(command("frac", arg(group(text("3")), true), braced("1"), braced("2"))), kNone);
+
+    EXPECT_EQ(convertTree(command("fcolorbox", braced("red"), braced("blue"), braced("x"))), frame(x));
+    EXPECT_EQ(convertTree(command("framebox", arg(text("2cm"), true), arg(text("l"), true), braced("x"))),
+              frame(x));
+    EXPECT_EQ(convertTree(command("makebox", arg(text("2cm"), true), braced("x"))), box(x));
+    EXPECT_EQ(convertTree(command("multicolumn", braced("2"), braced("c"), braced("x"))), x);
+    EXPECT_EQ(convertTree(command("definecolor", braced("a"), braced("rgb"), braced("1,0,0"))), kNone);
+    EXPECT_EQ(convertTree(command("colorlet", braced("a"), braced("red"))), kNone);
+}
+
+TEST(VisibleContent, EnclosureNotations)
+{
+    auto enclose = [](const char* notation) {
+        return convertTree(command("enclose", braced(notation), arg(text("color:red"), true), braced("x")));
+    };
+    const QStringList noStrike;
+    EXPECT_EQ(enclose("circle"), frame(x));
+    EXPECT_EQ(enclose("roundedbox"), frame(x));
+    EXPECT_EQ(enclose("updiagonalstrike"), borderBox({"strikeBLTR"}, x));
+    EXPECT_EQ(enclose("downdiagonalstrike"), borderBox({"strikeTLBR"}, x));
+    EXPECT_EQ(enclose("horizontalstrike,verticalstrike"), borderBox({"strikeH", "strikeV"}, x));
+    EXPECT_EQ(enclose("box horizontalstrike"), borderBox({"strikeH"}, x, kCtrl, false));
+    // The lexer drops the spaces between notations; they are still found.
+    EXPECT_EQ(enclose("topbottom"), borderBox({"hideLeft", "hideRight"}, x, kCtrl, false));
+    EXPECT_EQ(enclose("actuarial"), borderBox({"hideBot", "hideLeft"}, x, kCtrl, false));
+    EXPECT_EQ(enclose("nonsense"), frame(x));
+    EXPECT_EQ(convertTree(command("enclose", braced("circle"))), kNone);
+}
+
+TEST(VisibleContent, MiddleDelimiterAndSideScripts)
+{
+    auto middle = [](KLatexNodePtr fence) {
+        return convertTree(makeLeftRight(
+            "(", ")", group(text("a"), command("middle", arg(std::move(fence))), text("b")), true));
+    };
+    EXPECT_EQ(middle(text("|")), d("(", ")", r("a|b")));
+    EXPECT_EQ(middle(command("vert")), d("(", ")", r("a|b")));
+    EXPECT_EQ(middle(command("|")), d("(", ")", r(QStringLiteral("a\u2016b"))));
+    EXPECT_EQ(middle(text(".")), d("(", ")", r("ab")));
+    EXPECT_EQ(convertTree(command("middle")), kNone);
+
+    const QString sumCD = nary(kSum, false, false, false, r("c"), r("d"), kNone);
+    // The operator follows \sideset as the next node of the group.
+    EXPECT_EQ(convertTree(group(command("sideset", arg(group(scriptOnNothing("a", "b"))),
+                                        arg(group(scriptOnNothing("c", "d")))),
+                                command("sum"), text("x"))),
+              sPre(sumCD, a, b) + x);
+    // Or as a third argument.
+    EXPECT_EQ(convertTree(command("sideset", arg(scriptOnNothing("a", "b")), arg(group()), arg(text("M")))),
+              sPre(r("M"), a, b));
+    EXPECT_EQ(convertTree(command("sideset", arg(group()), arg(scriptOnNothing("c", "d")), arg(text("M")))),
+              sSubSup(r("M"), r("c"), r("d")));
+    EXPECT_EQ(convertTree(group(command("sideset", arg(group()), arg(group())), command("sum"))),
+              nary(kSum, false, true, true, kNone, kNone, kNone));
+    EXPECT_EQ(convertTree(command("sideset", arg(group()))), kNone);
+}
+
+} // namespace
