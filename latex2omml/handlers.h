@@ -43,6 +43,7 @@ KOmmlNodeList middleDelimiter(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList mathFont(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList textFont(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList textScript(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList letterCase(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList color(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList colorBox(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList box(KLatexAst2Omml&, const KLatexCommand&);

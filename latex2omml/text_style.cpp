@@ -352,6 +352,19 @@ KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
     return convertStyled(ast, style, *content);
 }
 
+KOmmlNodeList letterCase(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \uppercase and \MakeUppercase change the case of the letters of their
+    // argument; the runs at the argument's top level are changed, structures kept.
+    KOmmlNodeList result = ast.convertArgument(command.args, 0);
+    const bool upper = command.name.contains(QLatin1String("pper"));
+    for (KOmmlNodePtr& node : result) {
+        if (auto* run = ommlAs<ORun>(node.get()))
+            run->text = upper ? run->text.toUpper() : run->text.toLower();
+    }
+    return result;
+}
+
 KOmmlNodeList textScript(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     // \textsubscript and \textsuperscript raise or lower upright text after what

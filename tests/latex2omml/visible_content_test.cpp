@@ -96,7 +96,12 @@ INSTANTIATE_TEST_SUITE_P(
                   r(QStringLiteral("MNO\u03DC\u03DE\u03E0\u03DA\u03D8"))},
         LatexCase{"\\o\\O\\euro 5", r(QStringLiteral("\u00F8\u00D8\u20AC5"))},
         LatexCase{"\\Rrightarrow\\Lleftarrow", r(QStringLiteral("\u21DB\u21DA"))},
-        LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x}));
+        LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
+        LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))}, LatexCase{"a\\eqno(1)", r("a(1)")},
+        LatexCase{"\\uppercase{h}\\MakeLowercase{AB}", r("Hab")}, LatexCase{"\\uppercase{}", kNone},
+        LatexCase{"\\uppercase{\\frac{a}{b}c}", frac(a, b) + r("C")},
+        LatexCase{"\\l\\L\\empty\\dotplus\\divideontimes",
+                  r(QStringLiteral("\u0142\u0141\u2205\u2214\u22C7"))}));
 
 // Size and weight switches show nothing of their own; what follows them stays.
 INSTANTIATE_TEST_SUITE_P(SwitchesWithoutContent, LatexToOmml,
