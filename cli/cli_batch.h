@@ -17,7 +17,9 @@ struct BatchOptions {
 // One conversion; called from several threads at once.
 using BatchConversion = std::function<QString(const QString& input)>;
 
-// Reads every line of `in`, converts the inputs on `jobs` threads and writes one
-// JSON object per input line to `out`, in input order. Returns the exit code.
+// Reads the lines of `in` as they come, converts the inputs on `jobs` threads and
+// writes one JSON object per input line to `out`, in input order. Only a bounded
+// number of inputs is held at a time, so memory does not grow with the input.
+// Returns the exit code.
 int runBatch(QIODevice& in, QTextStream& out, QTextStream& err, const BatchOptions& options,
              const BatchConversion& convert);

@@ -3,6 +3,7 @@
 
 #include "cli/cli_batch.h"
 #include "cli/cli_inspect.h"
+#include "cli/cli_layout.h"
 #include "interface/IFormulaConverterHelper.h"
 
 #include <QFile>
@@ -229,10 +230,6 @@ int main(int argc, char** argv)
     options.op = args.takeFirst();
     if (!isKnownOp(options.op))
         return usageError(QStringLiteral("unknown operation '%1'").arg(options.op));
-    if (options.op == QLatin1String("layout")) {
-        QTextStream(stderr) << "formulaconv: " << options.op << ": not available yet\n";
-        return 2;
-    }
     const bool batch = options.op == QLatin1String("batch");
     if (batch) {
         if (args.isEmpty() || !isConversion(args.first()))
@@ -258,6 +255,8 @@ int main(int argc, char** argv)
         return runAst(*input, out, err);
     if (options.op == QLatin1String("lint"))
         return runLint(*input, options.json, out, err);
+    if (options.op == QLatin1String("layout"))
+        return runLayout(*input, options.omml, options.size, options.pretty, out, err);
 
     const QString result = convert(options, *input);
     if (result.isEmpty()) {

@@ -25,7 +25,48 @@ const QHash<QString, ArgShape>& commandArgTable()
     return table;
 }
 
+struct CommandSignatureEntry {
+    const char16_t* name;
+    const char* signature;
+};
+
+const CommandSignatureEntry kCommandSignatures[] = {
+#include "latex/command_signatures.inc"
+};
+
+const QHash<QString, const char*>& signatureTable()
+{
+    static const QHash<QString, const char*> table = [] {
+        QHash<QString, const char*> built;
+        built.reserve(int(std::size(kCommandSignatures)));
+        for (const CommandSignatureEntry& entry : kCommandSignatures)
+            built.insert(QString::fromUtf16(entry.name), entry.signature);
+        return built;
+    }();
+    return table;
+}
+
 } // namespace
+
+const char* commandSignature(const QString& name)
+{
+    if (const char* signature = signatureTable().value(name, nullptr))
+        return signature;
+    switch (commandArgShape(name)) {
+    case ArgShape::NoArgs:
+        return "";
+    case ArgShape::OneArg:
+        return "m";
+    case ArgShape::TwoArgs:
+        return "mm";
+    case ArgShape::OptArgThenArg:
+        return "om";
+    case ArgShape::Special:
+    case ArgShape::Unknown:
+        break;
+    }
+    return "g";
+}
 
 ArgShape commandArgShape(const QString& name)
 {

@@ -18,5 +18,9 @@ enum class ArgShape : int32_t {
 // Exact, case-sensitive lookup; a starred control word is looked up with its "*".
 ArgShape commandArgShape(const QString& name);
 
+// The arguments the command reads, one letter each, as listed in command_signatures.inc: the LaTeX
+// arguments of the command, derived from its shape unless listed there.
+const char* commandSignature(const QString& name);
+
 // Number of distinct names in the table.
 int commandArgTableSize();

@@ -5,6 +5,8 @@
 #include "latex/parser_messages.h"
 #include "latex/parser_support.h"
 
+#include <QHash>
+
 using namespace latexmsg;
 
 namespace {
@@ -13,6 +15,26 @@ bool endsCell(const Token& token)
 {
     return isCommandToken(token, "end") || isCommandToken(token, "\\\\") ||
            token.kind == TokenKind::Ampersand;
+}
+
+// The arguments an environment takes in LaTeX: 'o' an optional [..], 'm' a brace group.
+const char* environmentSignature(const QString& name)
+{
+    static const QHash<QString, const char*> signatures = {
+        {QStringLiteral("array"), "om"},   // [t|b|c]{column spec}
+        {QStringLiteral("subarray"), "m"}, // {column spec}
+        {QStringLiteral("alignat"), "m"},  // {column pairs}
+        {QStringLiteral("alignat*"), "m"},   {QStringLiteral("xalignat"), "m"},
+        {QStringLiteral("xalignat*"), "m"},  {QStringLiteral("xxalignat"), "m"},
+        {QStringLiteral("alignedat"), "om"}, // [t|b|c]{column pairs}
+        {QStringLiteral("aligned"), "o"},    // [t|b|c]
+        {QStringLiteral("gathered"), "o"},   // [t|b|c]
+        {QStringLiteral("matrix*"), "o"},    // [column alignment]
+        {QStringLiteral("pmatrix*"), "o"},   {QStringLiteral("bmatrix*"), "o"},
+        {QStringLiteral("Bmatrix*"), "o"},   {QStringLiteral("vmatrix*"), "o"},
+        {QStringLiteral("Vmatrix*"), "o"},
+    };
+    return signatures.value(name, "");
 }
 
 bool endsMatrixCell(const Token& token)
@@ -72,13 +94,18 @@ KLatexNodePtr KLatexParser::parseEnv()
     else
         report(kError, QStringLiteral("E_missing_rbrace"), missingRBraceAfterBegin());
 
-    // A brace group right after \begin{name} is taken as an argument even when it
-    // was meant as the start of the body.
+    // Only the environments that take arguments in LaTeX read them; anything else after \begin{name},
+    // a brace group included (\begin{matrix}{5}&{0}\end{matrix}), is the body.
     KLatexArgs args;
-    if (KLatexNodePtr optional = parseBracketGroupAsExpr())
-        args.push_back(KLatexArg{true, std::move(optional)});
-    while (peek().kind == TokenKind::LBrace)
-        args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
+    for (const char* letter = environmentSignature(name); *letter; ++letter) {
+        if (*letter == 'o') {
+            if (KLatexNodePtr optional = parseBracketGroupAsExpr())
+                args.push_back(KLatexArg{true, std::move(optional)});
+        } else if (peek().kind == TokenKind::LBrace) {
+            // Without braces the column specification is left to the body, so no cell is lost.
+            args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
+        }
+    }
 
     if (isKnownEnvironment(name))
         return parseAlignedEnvBody(name, std::move(args));

@@ -117,6 +117,7 @@ KLatexLexResult KLatexLexer::tokenize()
     m_colourMode = 0;
     m_colourDepth = 0;
     m_lastColourCommand.clear();
+    m_colourGroupsLeft = 0;
     m_closeBracketAt = -1;
 
     for (;;) {
@@ -170,7 +171,9 @@ KLatexLexResult KLatexLexer::tokenize()
             append(TokenKind::RBrace, QStringLiteral("}"), start, 1);
             if (m_colourMode && --m_colourDepth == 0) {
                 m_colourMode = 0;
-                m_lastColourCommand.clear();
+                // \fcolorbox{frame}{background}{x} names two colours, each read as one token.
+                if (--m_colourGroupsLeft <= 0)
+                    m_lastColourCommand.clear();
             }
             break;
         default:
@@ -228,8 +231,10 @@ void KLatexLexer::readControlSequence()
         const QString spacing = normalisedSpacingName(name);
         if (!spacing.isEmpty())
             name = spacing;
-        else if (colourCommands().contains(name))
+        else if (colourCommands().contains(name)) {
             m_lastColourCommand = name;
+            m_colourGroupsLeft = name == QLatin1String("fcolorbox") ? 2 : 1;
+        }
         append(TokenKind::Command, std::move(name), start, m_position - start, starred);
         return;
     }
@@ -346,6 +351,7 @@ bool KLatexLexer::readBracketedColour()
         }
         if (m_position < m_end)
             ++m_position;
+        --m_colourGroupsLeft; // the first colour of the command is taken
     } else {
         // Only the bracket is part of the form; blanks before anything else stay for the next token.
         m_position = close + 1;

@@ -41,5 +41,6 @@ private:
     int m_colourMode = 0;
     int m_colourDepth = 0;
     QString m_lastColourCommand;
-    int m_closeBracketAt = -1; // first ']' after the latest bracketed colour attempt, or the end
+    int m_colourGroupsLeft = 0; // colour groups the last colour command still reads
+    int m_closeBracketAt = -1;  // first ']' after the latest bracketed colour attempt, or the end
 };

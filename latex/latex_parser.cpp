@@ -351,7 +351,7 @@ KLatexNodePtr KLatexParser::parseCommandAtom()
     const ArgShape shape = commandArgShape(name);
     KLatexArgs args;
     if (name != QLatin1String("left") && name != QLatin1String("begin") && name != QLatin1String("end"))
-        args = parseCommandArgs(shape, name);
+        args = parseCommandArgs(name);
     if (shape == ArgShape::Unknown)
         return makeUnknownCommand(std::move(name), std::move(args));
     return makeCommand(std::move(name), std::move(args));

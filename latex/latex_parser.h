@@ -48,13 +48,16 @@ public:
     // Rows of a plain-TeX matrix, up to (not including) its closing brace.
     KLatexNodeList parseMatrixBody();
 
-    // Reads the arguments that follow an already consumed command token.
-    KLatexArgs parseCommandArgs(ArgShape shape, const QString& name);
+    // Reads the arguments that follow an already consumed command token, by its signature
+    // (commandSignature); missing mandatory arguments are reported with the codes of its shape.
+    KLatexArgs parseCommandArgs(const QString& name);
     // A brace group, or else one character or one control sequence with its own arguments, held in
     // a group; null (nothing consumed) where no argument can start.
     KLatexNodePtr parseMandatoryArgument();
     // A brace group, or else a TeX dimension (signs, a number and a unit, or a length command).
     KLatexNodePtr parseDimensionArgument();
+    // The current command token alone, without reading any argument.
+    KLatexNodePtr commandAlone();
 
     int itemLimit() const { return m_itemLimit; }
     const LatexDiagnostics& diagnostics() const { return m_diagnostics; }

@@ -1,4 +1,5 @@
-// Reading a command's arguments by the shape its table entry gives.
+// Reading a command's arguments: the LaTeX arguments its signature lists, each mandatory one braced or
+// a single atom as TeX reads it.
 
 #include "latex/latex_parser.h"
 #include "latex/parser_messages.h"
@@ -30,26 +31,31 @@ bool startsUnbracedArgument(const Token& token)
     }
 }
 
-// The TeX primitives that read a dimension, not an argument: \kern3mu is three mu.
-bool readsDimension(const QString& name)
-{
-    static const QLatin1String names[] = {QLatin1String("kern"), QLatin1String("mkern"),
-                                          QLatin1String("hskip"), QLatin1String("mskip"),
-                                          QLatin1String("vskip")};
-    for (const QLatin1String& n : names) {
-        if (name == n)
-            return true;
-    }
-    return false;
-}
-
 bool isUnitLetter(const Token& token)
 {
     return token.kind == TokenKind::Char && token.text.size() == 1 && token.text.front().isLetter() &&
            token.text.front().unicode() < 0x80;
 }
 
+// A colour model or specification as one text node, as the lexer delivers a colour name.
+KLatexNodeList textNodes(const QString& text)
+{
+    KLatexNodeList nodes;
+    if (!text.isEmpty())
+        nodes.push_back(makeText(text));
+    return nodes;
+}
+
 } // namespace
+
+KLatexNodePtr KLatexParser::commandAlone()
+{
+    const Token& command = advance();
+    QString name = command.starred ? command.text + QLatin1Char('*') : command.text;
+    if (commandArgShape(name) == ArgShape::Unknown)
+        return makeUnknownCommand(std::move(name));
+    return makeCommand(std::move(name));
+}
 
 KLatexNodePtr KLatexParser::parseDimensionArgument()
 {
@@ -63,11 +69,7 @@ KLatexNodePtr KLatexParser::parseDimensionArgument()
            (peek().text == QLatin1String("-") || peek().text == QLatin1String("+")))
         take();
     if (peek().kind == TokenKind::Command && startsUnbracedArgument(peek())) {
-        // The length register alone, without arguments of its own.
-        const Token& length = advance();
-        QString name = length.starred ? length.text + QLatin1Char('*') : length.text;
-        parts.push_back(commandArgShape(name) == ArgShape::Unknown ? makeUnknownCommand(std::move(name))
-                                                                   : makeCommand(std::move(name)));
+        parts.push_back(commandAlone()); // the length register, without arguments of its own
         return makeGroup(std::move(parts));
     }
     bool number = false;
@@ -107,48 +109,96 @@ KLatexNodePtr KLatexParser::parseMandatoryArgument()
     return makeGroup(std::move(atom));
 }
 
-KLatexArgs KLatexParser::parseCommandArgs(ArgShape shape, const QString& name)
+KLatexArgs KLatexParser::parseCommandArgs(const QString& name)
 {
-    KLatexArgs args;
-    auto tryMandatory = [&](const char* code, const QString& message) {
-        if (KLatexNodePtr argument = parseMandatoryArgument()) {
-            args.push_back(KLatexArg{false, std::move(argument)});
-            return;
+    const ArgShape shape = commandArgShape(name);
+    // Missing mandatory arguments are reported with the codes of the command's shape; the commands of
+    // the other shapes never were, and are not.
+    auto missing = [&](int index) {
+        switch (shape) {
+        case ArgShape::OneArg:
+            report(kError, QStringLiteral("E_arg_missing"), argMissing(name));
+            break;
+        case ArgShape::TwoArgs:
+            if (index == 0)
+                report(kError, QStringLiteral("E_arg1_missing"), arg1Missing(name));
+            else
+                report(kError, QStringLiteral("E_arg2_missing"), arg2Missing(name));
+            break;
+        case ArgShape::OptArgThenArg:
+            report(kError, QStringLiteral("E_req_missing"), reqMissing(name));
+            break;
+        default:
+            break;
         }
-        report(kError, QLatin1String(code), message);
-    };
-    auto tryOptional = [&] {
-        if (KLatexNodePtr group = parseBracketGroupAsExpr())
-            args.push_back(KLatexArg{true, std::move(group)});
     };
 
-    switch (shape) {
-    case ArgShape::NoArgs:
-        break;
-    case ArgShape::OneArg:
-        if (readsDimension(name)) {
+    KLatexArgs args;
+    // The lexer delivers a colour model and its specification ("[rgb]{1,0,0}") as one token; the
+    // specification is the mandatory argument that follows the model.
+    KLatexNodePtr pendingSpecification;
+    int mandatory = 0;
+    for (const char* letter = commandSignature(name); *letter; ++letter) {
+        switch (*letter) {
+        case 'm': {
+            KLatexNodePtr argument =
+                pendingSpecification ? std::move(pendingSpecification) : parseMandatoryArgument();
+            if (argument)
+                args.push_back(KLatexArg{false, std::move(argument)});
+            else
+                missing(mandatory);
+            ++mandatory;
+            break;
+        }
+        case 'o':
+            if (KLatexNodePtr group = parseBracketGroupAsExpr()) {
+                args.push_back(KLatexArg{true, std::move(group)});
+            } else if (peek().kind == TokenKind::Char && peek().text.startsWith(QLatin1Char('['))) {
+                const QString form = advance().text;
+                const int close = int(form.indexOf(QLatin1Char(']')));
+                args.push_back(KLatexArg{true, makeGroup(textNodes(form.mid(1, close - 1)))});
+                if (close + 1 < form.size()) {
+                    QString specification = form.mid(close + 1);
+                    if (specification.startsWith(QLatin1Char('{')))
+                        specification.remove(0, 1);
+                    if (specification.endsWith(QLatin1Char('}')))
+                        specification.chop(1);
+                    pendingSpecification = makeGroup(textNodes(specification.trimmed()));
+                }
+            }
+            break;
+        case 'g':
+            if (peek().kind == TokenKind::LBrace)
+                args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
+            break;
+        case 'd':
             if (KLatexNodePtr dimension = parseDimensionArgument())
                 args.push_back(KLatexArg{false, std::move(dimension)});
             else
-                report(kError, QStringLiteral("E_arg_missing"), argMissing(name));
+                missing(mandatory);
+            ++mandatory;
+            break;
+        case 'c':
+            if (peek().kind == TokenKind::LBrace) {
+                args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
+            } else if (peek().kind == TokenKind::Command) {
+                KLatexNodeList alone;
+                alone.push_back(commandAlone());
+                args.push_back(KLatexArg{false, makeGroup(std::move(alone))});
+            }
+            break;
+        case 'p':
+            while (peek().kind == TokenKind::Digit ||
+                   (peek().kind == TokenKind::Char && peek().text == QLatin1String("#")))
+                advance();
+            break;
+        case '=':
+            if (peek().kind == TokenKind::Char && peek().text == QLatin1String("="))
+                advance();
+            break;
+        default:
             break;
         }
-        tryMandatory("E_arg_missing", argMissing(name));
-        break;
-    case ArgShape::TwoArgs:
-        tryMandatory("E_arg1_missing", arg1Missing(name));
-        tryMandatory("E_arg2_missing", arg2Missing(name));
-        break;
-    case ArgShape::OptArgThenArg:
-        tryOptional();
-        tryMandatory("E_req_missing", reqMissing(name));
-        break;
-    case ArgShape::Special:
-    case ArgShape::Unknown:
-        tryOptional();
-        if (peek().kind == TokenKind::LBrace)
-            args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
-        break;
     }
     return args;
 }

@@ -382,12 +382,19 @@ KOmmlNodeList textScript(KLatexAst2Omml& ast, const KLatexCommand& command)
     return makeOmmlList(std::move(element));
 }
 
+// The arguments after an optional colour model ([rgb]), which has no OMML form.
+KLatexArgs::const_iterator afterColourModel(const KLatexArgs& args)
+{
+    return !args.empty() && args.front().optional ? args.begin() + 1 : args.begin();
+}
+
 KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    if (!hasExactArguments(command.args, 2))
+    const auto first = afterColourModel(command.args);
+    if (command.args.end() - first != 2 || !first[0].node || !first[1].node)
         return {};
-    const QString name = colourText(*command.args[0].node);
-    KOmmlNodeList converted = ast.convert(*command.args[1].node);
+    const QString name = colourText(*first[0].node);
+    KOmmlNodeList converted = ast.convert(*first[1].node);
     if (name.isEmpty())
         return {};
     for (auto& node : converted)
@@ -398,10 +405,11 @@ KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList colorBox(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    // The background colour has no OMML form; only the content is kept.
-    if (command.args.size() != 2 || !argumentNode(command.args, 0))
+    // The background colour has no OMML form; only the content, the last argument, is kept.
+    const auto first = afterColourModel(command.args);
+    if (command.args.end() - first < 2 || !first[0].node)
         return {};
-    return ast.convertArgument(command.args, 1);
+    return ast.convert(command.args.back().node.get());
 }
 
 KOmmlNodeList box(KLatexAst2Omml& ast, const KLatexCommand& command)

@@ -264,6 +264,12 @@ private:
     // carry are dropped.
     void putEscaped(QStringView text, bool inAttribute)
     {
+        // Nearly every run and control carries the default font twice; its text
+        // is shared with the constant, which needs no escaping.
+        if (text.data() == kDefaultMathFont.constData() && text.size() == kDefaultMathFont.size()) {
+            put(text);
+            return;
+        }
         constexpr int kLongestReplacement = 6; // "&quot;"
         // Bit i set: the character i below 0x40 is written as it is.
         constexpr quint64 kPlainAscii = 0xAFFFFFBB00000000ull;

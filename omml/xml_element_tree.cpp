@@ -72,6 +72,35 @@ bool allSpace(QStringView text)
     return true;
 }
 
+// The two parsers read references outside the plain forms differently (the
+// streaming parser, for one, takes white space inside a character
+// reference); only "&#digits;", "&#xhex;" and the five predefined entities
+// are left to it. `text` starts at the "&".
+bool plainReference(QStringView text)
+{
+    static const QLatin1String kPredefined[] = {QLatin1String("&amp;"), QLatin1String("&lt;"),
+                                                QLatin1String("&gt;"), QLatin1String("&quot;"),
+                                                QLatin1String("&apos;")};
+    if (text.size() > 1 && text[1] == QLatin1Char('#')) {
+        const bool hex = text.size() > 2 && text[2] == QLatin1Char('x');
+        qsizetype i = hex ? 3 : 2;
+        const qsizetype digits = i;
+        for (; i < text.size(); ++i) {
+            const ushort u = text[i].unicode();
+            const bool digit =
+                (u >= '0' && u <= '9') || (hex && ((u >= 'a' && u <= 'f') || (u >= 'A' && u <= 'F')));
+            if (!digit)
+                break;
+        }
+        return i > digits && i < text.size() && text[i] == QLatin1Char(';');
+    }
+    for (QLatin1String entity : kPredefined) {
+        if (text.startsWith(entity))
+            return true;
+    }
+    return false;
+}
+
 // What a first look at the text finds.
 struct KTextSurvey {
     bool streamable = true;       // see survey()
@@ -90,9 +119,39 @@ KTextSurvey survey(const QString& xml)
         result.streamable = false;
         return result;
     }
+    static const std::pair<QLatin1String, QLatin1String> kLiterals[] = {
+        {QLatin1String("<!--"), QLatin1String("-->")},
+        {QLatin1String("<![CDATA["), QLatin1String("]]>")},
+        {QLatin1String("<?"), QLatin1String("?>")},
+    };
+    QLatin1String literalEnd;
     const QChar* const end = xml.constData() + xml.size();
     for (const QChar* c = xml.constData(); c != end; ++c) {
         const ushort u = c->unicode();
+        if (u == '<' || u == '&' || (!literalEnd.isEmpty() && u == literalEnd[0].unicode())) {
+            // References count only outside comments, CDATA sections and
+            // processing instructions, where "&" stands for itself.
+            const QStringView rest(c, end);
+            if (!literalEnd.isEmpty()) {
+                if (rest.startsWith(literalEnd)) {
+                    c += literalEnd.size() - 1;
+                    literalEnd = QLatin1String();
+                }
+                continue;
+            }
+            if (u == '&' && !plainReference(rest)) {
+                result.streamable = false;
+                return result;
+            }
+            for (const auto& [start, stop] : kLiterals) {
+                if (rest.startsWith(start)) {
+                    literalEnd = stop;
+                    c += start.size() - 1;
+                    break;
+                }
+            }
+            continue;
+        }
         if (u >= 0x20 && u < 0xD800)
             continue;
         if (u == '\t' || u == '\n') {

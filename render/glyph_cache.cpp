@@ -46,11 +46,25 @@ double KGlyphFont::advance(QChar c) const
     return value;
 }
 
+namespace {
+
+// Qt places glyph outlines at positions held in 26.6 fixed point, cut toward zero.
+double fixedPoint(double value)
+{
+    return static_cast<int>(value * 64.0) / 64.0;
+}
+
+} // namespace
+
 QPainterPath KGlyphFont::glyphPath(QChar c, double x, double y) const
 {
-    QPainterPath path;
-    path.addText(QPointF(x, y), m_font, QString(c));
-    return path;
+    auto found = m_paths.constFind(c.unicode());
+    if (found == m_paths.constEnd()) {
+        QPainterPath origin;
+        origin.addText(QPointF(0, 0), m_font, QString(c));
+        found = m_paths.insert(c.unicode(), origin);
+    }
+    return found->translated(fixedPoint(x), fixedPoint(y));
 }
 
 QPainterPath KGlyphFont::textPath(const QString& text) const

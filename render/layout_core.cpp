@@ -4,7 +4,6 @@
 
 #include "render/layout_engine.h"
 
-
 #include <algorithm>
 #include <cmath>
 

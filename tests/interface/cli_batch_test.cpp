@@ -128,6 +128,32 @@ TEST(CliBatch, WholeCorpusAsPlainLines)
     }
 }
 
+// Two threads write exactly what one writes, for every corpus formula and for
+// inputs whose conversion time varies a lot from line to line.
+TEST(CliBatch, TwoThreadsWriteWhatOneWrites)
+{
+    QByteArray corpus;
+    for (const char* name : {"arxiv-formulas.txt", "wikipedia-formulas.txt"}) {
+        QFile file(QStringLiteral(FC_CORPUS_DIR "/") + QLatin1String(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        corpus += file.readAll();
+    }
+    const QByteArray uneven = "\n\n" + QByteArray("\\frac{a}{b}").repeated(3000) + "\nx\n\r\ny\n";
+    const QByteArray firstLines = corpus.left(corpus.indexOf('\n', 20000));
+    const std::pair<const char*, QByteArray> runs[] = {{"latex2omml", corpus + uneven},
+                                                       {"latex2svg", firstLines + uneven}};
+    for (const auto& [op, input] : runs) {
+        const BatchRun one = runBatch({op, "--jobs", "1"}, input);
+        const BatchRun two = runBatch({op, "--jobs", "2"}, input);
+        EXPECT_EQ(one.exitCode, 0);
+        int inputs = 0;
+        for (const QByteArray& line : input.split('\n'))
+            inputs += line.isEmpty() || line == "\r" ? 0 : 1;
+        EXPECT_EQ(one.lines.size(), inputs) << op;
+        EXPECT_TRUE(one.lines == two.lines) << op;
+    }
+}
+
 TEST(CliBatch, ManyThreadsKeepInputOrder)
 {
     QByteArray input;

@@ -1,28 +1,13 @@
 // Runs the formulaconv tool as a user would and checks its contract: where the
 // input comes from, what goes to each stream, and the exit status.
 
-#include <QProcess>
+#include "cli_support.h"
+
 #include <QTemporaryFile>
 
 #include <gtest/gtest.h>
 
 namespace {
-
-struct CliResult {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
-CliResult runCli(const QStringList& args, const QByteArray& stdinText = {})
-{
-    QProcess process;
-    process.start(QString::fromUtf8(FC_BINARY_DIR) + QStringLiteral("/formulaconv"), args);
-    process.write(stdinText);
-    process.closeWriteChannel();
-    process.waitForFinished(60000);
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
 
 TEST(Cli, WrapPrintsTheDocumentAndDoubleDashAllowsALeadingDash)
 {

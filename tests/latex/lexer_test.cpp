@@ -80,7 +80,7 @@ const LexCase kLexCases[] = {
     {"\\color[x", R"x(\"color" 0+6 | [ 6+1 | "x" 7+1 | End 8)x", ""},
     {"[a]", R"x([ 0+1 | "a" 1+1 | ] 2+1 | End 3)x", ""},
     {"\\fcolorbox{red}{blue}{x}",
-     R"x(\"fcolorbox" 0+10 | { 10+1 | "red" 11+3 | } 14+1 | { 15+1 | "b" 16+1 | "l" 17+1 | "u" 18+1 | "e" 19+1 | } 20+1 | { 21+1 | "x" 22+1 | } 23+1 | End 24)x",
+     R"x(\"fcolorbox" 0+10 | { 10+1 | "red" 11+3 | } 14+1 | { 15+1 | "blue" 16+4 | } 20+1 | { 21+1 | "x" 22+1 | } 23+1 | End 24)x",
      ""},
     // A spacing name is not remembered as a colour command.
     {"\\quad{red}", R"x(\"space_quad" 0+5 | { 5+1 | "r" 6+1 | "e" 7+1 | "d" 8+1 | } 9+1 | End 10)x", ""},

@@ -56,8 +56,9 @@ const ParseCase kCases[] = {
     {R"(\\[2pt]a\\b)", R"(Command "\\\\"{optarg{Group{"2" "p" "t"}}} "a" Command "\\\\" "b")", ""},
     {R"(\operatorname*{lim})", R"(Command "operatorname*"{arg{Group{"l" "i" "m"}}})", ""},
     {R"(\alpha{x})", R"(Command "alpha" Group{"x"})", ""},
-    {R"(\foo[a]{b}{c})", R"(Unknown "foo"{optarg{Group{"a"}} arg{Group{"b"}}} Group{"c"})", ""},
-    {R"(\,{x})", R"(Command "space_thin"{arg{Group{"x"}}})", ""},
+    {R"(\foo[a]{b}{c})", R"(Unknown "foo" "[" "a" "]" Group{"b"} Group{"c"})", ""},
+    {R"(\foo{b}{c})", R"(Unknown "foo"{arg{Group{"b"}}} Group{"c"})", ""},
+    {R"(\,{x})", R"(Command "space_thin" Group{"x"})", ""},
     {R"(\{x\})", R"(Command "{" "x" Command "}")", ""},
     {R"(\end{x})", R"(Command "end" Group{"x"})", ""},
     {R"(\'e)", R"("\\'" "e")", ""},
@@ -114,7 +115,7 @@ const ParseCase kCases[] = {
      R"(LeftRight "." "." left-right{Group} Group{"a" LeftRight "." "." left-right{Group}})",
      "W_left_delim 5+1 | E_missing_right 14+0"},
     {R"(\left( a \middle| b \right))",
-     R"~(LeftRight "(" ")" left-right{Group{"a" Command "middle" "|" "b"}})~", ""},
+     R"~(LeftRight "(" ")" left-right{Group{"a" Command "middle"{arg{Group{"|"}}} "b"}})~", ""},
     {R"(\left( } x)", R"(LeftRight "(" "." left-right{Group} "x")",
      "E_unexpected_token 7+1 | E_missing_right 10+0"},
     {R"({\left( a} b \right))", R"~(Group{LeftRight "(" ")" left-right{Group{"a" "b"}}})~",
@@ -142,8 +143,8 @@ const ParseCase kCases[] = {
      ""},
     {R"(\begin{array}{cc}1&2\end{array})",
      R"(Env "array"{arg{Group{"c" "c"}} body{Row{Group{"1"} Group{"2"}}}})", ""},
-    {R"(\begin{alignat*}[t]{2}x\end{alignat*})",
-     R"(Env "alignat*"{optarg{Group{"t"}} arg{Group{"2"}} body{Row{Group{"x"}}}})", ""},
+    {R"(\begin{alignedat}[t]{2}x\end{alignedat})",
+     R"(Env "alignedat"{optarg{Group{"t"}} arg{Group{"2"}} body{Row{Group{"x"}}}})", ""},
     {R"(\begin{Bmatrix}a&b\end{Bmatrix})", R"(Env "Bmatrix"{body{Group{"a" "b"}}})",
      "E_unexpected_token 16+1"},
     {R"(\begin{foo}x)", R"(Env "foo"{body{Group{"x"}}})", "E_missing_end 12+0"},
@@ -165,7 +166,7 @@ const ParseCase kCases[] = {
     {R"(\begin{split}a\end{sp1lit})", R"(Env "split"{body{Row{Group{"a"}}}})", ""},
     {R"(\begin{cases}a}\end{cases})", R"(Env "cases"{body{Row{Group{"a"}}}})", "E_unexpected_token 14+1"},
     {R"(\begin{foo}{a \over b}c\end{foo})",
-     R"(Env "foo"{arg{Command "over"{arg{Group{"a"}} arg{Group{"b"}}}} body{Group{"c"}}})", ""},
+     R"(Env "foo"{body{Group{Command "over"{arg{Group{"a"}} arg{Group{"b"}}} "c"}}})", ""},
     {R"(\begin{foo}a \over b\end{foo})", R"(Env "foo"{body{Group{"a" Command "over" "b"}}})", ""},
     {R"(\begin{align*}a\\\\b\end{align*})",
      R"(Env "align*"{body{Row{Group{"a"}} Row{Group} Row{Group{"b"}}}})", ""},
@@ -192,11 +193,18 @@ const ParseCase kCases[] = {
      1},
     {"ab{cde}f", R"("a" "b" Group{"c" "d" "e"})", "F_nesting_overflow 6+1 | F_nesting_overflow 7+1", 2},
     {R"(\color{red}{x})", R"(Command "color"{arg{Group{"red"}} arg{Group{"x"}}})", ""},
-    {R"(\textcolor[rgb]{1,0,0}{x})", R"(Command "textcolor"{arg{Group{"[rgb]{1,0,0}"}} arg{Group{"x"}}})",
-     ""},
+    {R"(\textcolor[rgb]{1,0,0}{x})",
+     R"(Command "textcolor"{optarg{Group{"rgb"}} arg{Group{"1,0,0"}} arg{Group{"x"}}})", ""},
     {R"(\colorbox{red})", R"(Command "colorbox"{arg{Group{"red"}}})", "E_arg2_missing 14+0"},
     {R"(\fcolorbox{red}{blue}{x})",
-     R"(Command "fcolorbox"{arg{Group{"red"}}} Group{"b" "l" "u" "e"} Group{"x"})", ""},
+     R"(Command "fcolorbox"{arg{Group{"red"}} arg{Group{"blue"}} arg{Group{"x"}}})", ""},
+    {R"(\fcolorbox[rgb]{1,0,0}{0,0,1}{x y})",
+     R"(Command "fcolorbox"{optarg{Group{"rgb"}} arg{Group{"1,0,0"}} arg{Group{"0" "," "0" "," "1"}} arg{Group{"x" "y"}}})",
+     ""},
+    {R"(\colorbox[HTML]{FF0000}x)",
+     R"(Command "colorbox"{optarg{Group{"HTML"}} arg{Group{"FF0000"}} arg{Group{"x"}}})", ""},
+    {R"(\color[gray]{0.5}{x})", R"(Command "color"{optarg{Group{"gray"}} arg{Group{"0.5"}} arg{Group{"x"}}})",
+     ""},
     {R"(\Frac{a}{b}\foo*)", R"(Unknown "Frac"{arg{Group{"a"}}} Group{"b"} Unknown "foo*")", ""},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Parser, ::testing::ValuesIn(kCases));
@@ -280,11 +288,11 @@ TEST(ParserApi, EntryPointsConsumeOnlyWhatTheyRead)
 
     tokens = tokensOf(QStringLiteral("[a]{b}x"), diagnostics);
     KLatexParser args(tokens, diagnostics);
-    const KLatexArgs sqrt = args.parseCommandArgs(ArgShape::OptArgThenArg, QStringLiteral("sqrt"));
+    const KLatexArgs sqrt = args.parseCommandArgs(QStringLiteral("sqrt"));
     ASSERT_EQ(sqrt.size(), 2u);
     EXPECT_TRUE(sqrt[0].optional && !sqrt[1].optional);
-    EXPECT_EQ(args.parseCommandArgs(ArgShape::OneArg, QStringLiteral("hat")).size(), 1u);
-    EXPECT_TRUE(args.parseCommandArgs(ArgShape::TwoArgs, QStringLiteral("frac")).empty());
+    EXPECT_EQ(args.parseCommandArgs(QStringLiteral("hat")).size(), 1u);
+    EXPECT_TRUE(args.parseCommandArgs(QStringLiteral("frac")).empty());
     EXPECT_EQ(foldedDump(dumpLatexTree(args.parseDocument().get())), QStringLiteral("Group"));
 }
 

@@ -113,6 +113,114 @@ const ArgCase kMissing[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Rows, MissingArgument, ::testing::ValuesIn(kMissing));
 
+// A bracket group is an optional argument only for commands that take one in LaTeX; after a spacing
+// command, an unknown command or any other command it is ordinary math.
+class BracketAfterCommand : public ::testing::TestWithParam<ArgCase> {};
+TEST_P(BracketAfterCommand, IsOptionalOnlyWhereLatexHasOne)
+{
+    expectParse(GetParam());
+}
+const ArgCase kBrackets[] = {
+    {R"(\varphi\colon[0,1]\to[0,1])",
+     R"(Command "varphi" Unknown "colon" "[" "0" "," "1" "]" Command "to" "[" "0" "," "1" "]")"},
+    {R"(a\,[b])", R"("a" Command "space_thin" "[" "b" "]")"},
+    {R"(\quad[x]\!{y})", R"(Command "space_quad" "[" "x" "]" Command "space_negthin" Group{"y"})"},
+    {R"(\foo[a]{b})", R"(Unknown "foo" "[" "a" "]" Group{"b"})"},
+    {R"(\alpha[x])", R"(Command "alpha" "[" "x" "]")"},
+    {R"(\sqrt[3]{x})", R"(Command "sqrt"{optarg{Group{"3"}} arg{Group{"x"}}})"},
+    {R"(\xrightarrow[b]a)", R"(Command "xrightarrow"{optarg{Group{"b"}} arg{Group{"a"}}})"},
+    {R"(\xleftarrow{a})", R"(Command "xleftarrow"{arg{Group{"a"}}})"},
+    {R"(\framebox[2cm][l]{x})",
+     R"(Command "framebox"{optarg{Group{"2" "c" "m"}} optarg{Group{"l"}} arg{Group{"x"}}})"},
+    {R"(\makebox x)", R"(Command "makebox"{arg{Group{"x"}}})"},
+    {R"(\bbox[red]{x})", R"(Command "bbox"{optarg{Group{"r" "e" "d"}} arg{Group{"x"}}})"},
+    {R"(\enclose{circle}[w=1]{x})",
+     R"(Command "enclose"{arg{Group{"c" "i" "r" "c" "l" "e"}} optarg{Group{"w" "=" "1"}} arg{Group{"x"}}})"},
+    {R"(\unitfrac[3]{m}{s})", R"(Command "unitfrac"{optarg{Group{"3"}} arg{Group{"m"}} arg{Group{"s"}}})"},
+    {R"(\nicefrac12)", R"(Command "nicefrac"{arg{Group{"1"}} arg{Group{"2"}}})"},
+    {R"(\hdotsfor[2]{3})", R"(Command "hdotsfor"{optarg{Group{"2"}} arg{Group{"3"}}})"},
+    {R"(\rule[1pt]{2pt}{3pt})",
+     R"(Command "rule"{optarg{Group{"1" "p" "t"}} arg{Group{"2" "p" "t"}} arg{Group{"3" "p" "t"}}})"},
+    {R"(\linebreak[3]x\linebreak{y})",
+     R"(Command "linebreak"{optarg{Group{"3"}}} "x" Command "linebreak" Group{"y"})"},
+    {R"(\textcolor[rgb]{1,0,0}x)",
+     R"(Command "textcolor"{optarg{Group{"rgb"}} arg{Group{"1,0,0"}} arg{Group{"x"}}})"},
+    {R"(\newcommand{\x}[1][a]{b})",
+     R"(Command "newcommand"{arg{Group{Unknown "x"}} optarg{Group{"1"}} optarg{Group{"a"}} arg{Group{"b"}}})"},
+    {R"(\a \over [b])", R"(Unknown "a" Command "over"{optarg{Group{"b"}}})"},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, BracketAfterCommand, ::testing::ValuesIn(kBrackets));
+
+// Commands whose LaTeX arity differs from their shape read exactly their LaTeX arguments.
+class LatexArity : public ::testing::TestWithParam<ArgCase> {};
+TEST_P(LatexArity, ReadsExactlyTheLatexArguments)
+{
+    expectParse(GetParam());
+}
+const ArgCase kArity[] = {
+    {R"(\genfrac(){0pt}{1}ab c)",
+     R"~(Command "genfrac"{arg{Group{"("}} arg{Group{")"}} arg{Group{"0" "p" "t"}} arg{Group{"1"}} arg{Group{"a"}} arg{Group{"b"}}} "c")~"},
+    {R"(\sideset{_a}{^b}\sum x)",
+     R"(Command "sideset"{arg{Group{Script{base{Group} sub{"a"}}}} arg{Group{Script{base{Group} sup{"b"}}}}} Command "sum" "x")"},
+    {R"(\fcolorbox{red}{blue}{x}y)",
+     R"(Command "fcolorbox"{arg{Group{"red"}} arg{Group{"blue"}} arg{Group{"x"}}} "y")"},
+    {R"(\multicolumn{2}{c}{x}y)",
+     R"(Command "multicolumn"{arg{Group{"2"}} arg{Group{"c"}} arg{Group{"x"}}} "y")"},
+    {R"(\substack{i<j\\k})", R"(Command "substack"{arg{Group{"i" "<" "j" Command "\\\\" "k"}}})"},
+    {R"(\operatorname*{max}_x)",
+     R"(Script{base{Command "operatorname*"{arg{Group{"m" "a" "x"}}}} sub{"x"}})"},
+    {R"(\left(a\middle|b\right))",
+     R"~(LeftRight "(" ")" left-right{Group{"a" Command "middle"{arg{Group{"|"}}} "b"}})~"},
+    {R"(\middle\| x)", R"(Command "middle"{arg{Group{Command "|"}}} "x")"},
+    {R"(\ensuremath\eta)", R"(Command "ensuremath"{arg{Group{Command "eta"}}})"},
+    {R"(\unicode{x2208}x)", R"(Command "unicode"{arg{Group{"x" "2" "2" "0" "8"}}} "x")"},
+    {R"(\ce{H2O}\pu x)", R"(Command "ce"{arg{Group{"H" "2" "O"}}} Command "pu"{arg{Group{"x"}}})"},
+    {R"(\definecolor{c}{rgb}{1,0,0}x)",
+     R"(Command "definecolor"{arg{Group{"c"}} arg{Group{"r" "g" "b"}} arg{Group{"1" "," "0" "," "0"}}} "x")"},
+    {R"(\colorlet{c}{red}x)", R"(Command "colorlet"{arg{Group{"c"}} arg{Group{"r" "e" "d"}}} "x")"},
+    {R"(\newcommand\x{y}z)", R"(Command "newcommand"{arg{Group{Unknown "x"}} arg{Group{"y"}}} "z")"},
+    {R"(\def\x#1#2{y}z)", R"(Command "def"{arg{Group{Unknown "x"}} arg{Group{"y"}}} "z")"},
+    {R"(\let\a=\b c)", R"(Command "let"{arg{Group{Unknown "a"}} arg{Group{Unknown "b"}}} "c")"},
+    {R"(\DeclareMathOperator\Tr{Tr})",
+     R"(Command "DeclareMathOperator"{arg{Group{Unknown "Tr"}} arg{Group{"T" "r"}}})"},
+    {R"(\genfrac{(}{)})", R"~(Command "genfrac"{arg{Group{"("}} arg{Group{")"}}})~"},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, LatexArity, ::testing::ValuesIn(kArity));
+
+// Environments read arguments only where LaTeX gives them; anything else after \begin{name} is body.
+class EnvironmentArguments : public ::testing::TestWithParam<ArgCase> {};
+TEST_P(EnvironmentArguments, OnlyWhereLatexGivesThem)
+{
+    expectParse(GetParam());
+}
+const ArgCase kEnvironments[] = {
+    {R"(\begin{matrix}{5}&{0}\\{2}&{5}\end{matrix})",
+     R"(Env "matrix"{body{Row{Group{Group{"5"}} Group{Group{"0"}}} Row{Group{Group{"2"}} Group{Group{"5"}}}}})"},
+    {R"(\begin{pmatrix}[a]\end{pmatrix})", R"(Env "pmatrix"{body{Row{Group{"[" "a" "]"}}}})"},
+    {R"(\begin{cases}{x}\end{cases})", R"(Env "cases"{body{Row{Group{Group{"x"}}}}})"},
+    {R"(\begin{align}{a}&=b\end{align})", R"(Env "align"{body{Row{Group{Group{"a"}} Group{"=" "b"}}}})"},
+    {R"(\begin{array}{cc}1&2\end{array})",
+     R"(Env "array"{arg{Group{"c" "c"}} body{Row{Group{"1"} Group{"2"}}}})"},
+    {R"(\begin{array}[t]{c}{1}\end{array})",
+     R"(Env "array"{optarg{Group{"t"}} arg{Group{"c"}} body{Row{Group{Group{"1"}}}}})"},
+    {R"(\begin{array}a&b\end{array})", R"(Env "array"{body{Row{Group{"a"} Group{"b"}}}})"},
+    {R"(\begin{subarray}{l}i\\j\end{subarray})",
+     R"(Env "subarray"{arg{Group{"l"}} body{Group{"i" Command "\\\\" "j"}}})"},
+    {R"(\begin{alignat}{2}{x}&=y\end{alignat})",
+     R"(Env "alignat"{arg{Group{"2"}} body{Row{Group{Group{"x"}} Group{"=" "y"}}}})"},
+    {R"(\begin{alignat*}[t]{2}x\end{alignat*})",
+     R"(Env "alignat*"{body{Row{Group{"[" "t" "]" Group{"2"} "x"}}}})"},
+    {R"(\begin{alignedat}[b]{1}x\end{alignedat})",
+     R"(Env "alignedat"{optarg{Group{"b"}} arg{Group{"1"}} body{Row{Group{"x"}}}})"},
+    {R"(\begin{aligned}[t]{x}\end{aligned})",
+     R"(Env "aligned"{optarg{Group{"t"}} body{Row{Group{Group{"x"}}}}})"},
+    {R"(\begin{gathered}[c]x\end{gathered})", R"(Env "gathered"{optarg{Group{"c"}} body{Row{Group{"x"}}}})"},
+    {R"(\begin{gather}[t]x\end{gather})", R"(Env "gather"{body{Row{Group{"[" "t" "]" "x"}}}})"},
+    {R"(\begin{pmatrix*}[r]a\end{pmatrix*})", R"(Env "pmatrix*"{optarg{Group{"r"}} body{Row{Group{"a"}}}})"},
+    {R"(\begin{foo}{a}[b]\end{foo})", R"(Env "foo"{body{Group{Group{"a"} "[" "b" "]"}}})"},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, EnvironmentArguments, ::testing::ValuesIn(kEnvironments));
+
 // Chains of commands without braces nest one level per command; past the nesting guard the rest is
 // cut off with "F_nesting_overflow" instead of exhausting the stack, and the work stays linear.
 TEST(UnbracedArgumentLimits, LongChainsHitTheNestingGuard)
