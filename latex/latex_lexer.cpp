@@ -13,6 +13,19 @@ const QSet<QString>& colourCommands()
     return names;
 }
 
+// The commands whose braced argument is text, where spaces are part of the content.
+const QSet<QString>& textCommands()
+{
+    static const QSet<QString> names = {
+        QStringLiteral("text"),       QStringLiteral("textrm"),        QStringLiteral("textbf"),
+        QStringLiteral("textit"),     QStringLiteral("textsf"),        QStringLiteral("texttt"),
+        QStringLiteral("textnormal"), QStringLiteral("textup"),        QStringLiteral("textmd"),
+        QStringLiteral("textsl"),     QStringLiteral("textsc"),        QStringLiteral("emph"),
+        QStringLiteral("mbox"),       QStringLiteral("hbox"),          QStringLiteral("fbox"),
+        QStringLiteral("intertext"),  QStringLiteral("shortintertext")};
+    return names;
+}
+
 bool isBlank(QChar c)
 {
     const char16_t u = c.unicode();
@@ -120,7 +133,17 @@ KLatexLexResult KLatexLexer::tokenize()
     m_colourGroupsLeft = 0;
     m_closeBracketAt = -1;
 
+    m_textDepth = 0;
+    m_textMath = false;
+    m_textCommandPending = false;
+    m_afterControlWord = false;
+
     for (;;) {
+        if (inText() && readTextSpace())
+            continue;
+        const bool textCommandPending = m_textCommandPending;
+        m_textCommandPending = false;
+        m_afterControlWord = false;
         skipBlanksAndComments();
         if (m_position >= m_end) {
             append(TokenKind::EndOfInput, QString(), m_end, 0);
@@ -161,6 +184,10 @@ KLatexLexResult KLatexLexer::tokenize()
         case u'{':
             ++m_position;
             append(TokenKind::LBrace, QStringLiteral("{"), start, 1);
+            if (m_textDepth > 0)
+                ++m_textDepth;
+            else if (textCommandPending)
+                m_textDepth = 1;
             if (!m_lastColourCommand.isEmpty()) {
                 m_colourMode = 1;
                 m_colourDepth = 1;
@@ -169,6 +196,8 @@ KLatexLexResult KLatexLexer::tokenize()
         case u'}':
             ++m_position;
             append(TokenKind::RBrace, QStringLiteral("}"), start, 1);
+            if (m_textDepth > 0 && --m_textDepth == 0)
+                m_textMath = false;
             if (m_colourMode && --m_colourDepth == 0) {
                 m_colourMode = 0;
                 // \fcolorbox{frame}{background}{x} names two colours, each read as one token.
@@ -177,6 +206,8 @@ KLatexLexResult KLatexLexer::tokenize()
             }
             break;
         default:
+            if (c == u'$' && m_textDepth > 0)
+                m_textMath = !m_textMath; // math inside text drops its spaces again
             if (m_colourMode && readColourValue())
                 break;
             readSingleCodeUnit();
@@ -190,6 +221,37 @@ KLatexLexResult KLatexLexer::tokenize()
     m_tokens.clear();
     m_diagnostics.clear();
     return result;
+}
+
+bool KLatexLexer::inText() const
+{
+    return m_textDepth > 0 && !m_textMath;
+}
+
+bool KLatexLexer::readTextSpace()
+{
+    // Inside the argument of a text command a run of white space is one space of the text, as in
+    // TeX; comments inside the run are skipped with it.
+    const int start = m_position;
+    bool blank = false;
+    while (m_position < m_end) {
+        const QChar c = m_source[m_position];
+        if (isBlank(c)) {
+            blank = true;
+            ++m_position;
+        } else if (c == QLatin1Char('%')) {
+            while (m_position < m_end && m_source[m_position] != QLatin1Char('\n'))
+                ++m_position;
+        } else {
+            break;
+        }
+    }
+    if (m_position == start)
+        return false;
+    if (blank && !m_afterControlWord && m_position < m_end)
+        append(TokenKind::Char, QStringLiteral(" "), start, m_position - start);
+    m_afterControlWord = false;
+    return true;
 }
 
 void KLatexLexer::skipBlanksAndComments()
@@ -228,6 +290,9 @@ void KLatexLexer::readControlSequence()
             starred = true;
             ++m_position;
         }
+        // TeX skips the spaces after a control word, also in text.
+        m_afterControlWord = true;
+        m_textCommandPending = textCommands().contains(name);
         const QString spacing = normalisedSpacingName(name);
         if (!spacing.isEmpty())
             name = spacing;

@@ -24,6 +24,8 @@ public:
 
 private:
     void skipBlanksAndComments();
+    bool inText() const;
+    bool readTextSpace();
     void readControlSequence();
     bool readColourValue();
     bool readBracketedColour();
@@ -42,5 +44,10 @@ private:
     int m_colourDepth = 0;
     QString m_lastColourCommand;
     int m_colourGroupsLeft = 0; // colour groups the last colour command still reads
-    int m_closeBracketAt = -1;  // first ']' after the latest bracketed colour attempt, or the end
+    int m_closeBracketAt = -1;
+    int m_textDepth = 0;               // brace depth inside the argument of a text command, 0 outside
+    bool m_textMath = false;           // between $ signs inside such an argument
+    bool m_textCommandPending = false; // the last token was a text command, so its '{' starts text
+    bool m_afterControlWord = false;   // the last token was a control word  // first ']' after the latest
+                                       // bracketed colour attempt, or the end
 };

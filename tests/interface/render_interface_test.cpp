@@ -44,6 +44,16 @@ TEST(RenderOperations, UnusableSizesGiveNothing)
     }
 }
 
+TEST(RenderOperations, WithoutAGuiApplicationTheResultIsEmptyAndTheProcessLives)
+{
+    QProcess process;
+    process.start(QString::fromUtf8(FC_BINARY_DIR) + QStringLiteral("/render_without_gui"), QStringList());
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.readAllStandardOutput(), QByteArray("none 0 0\ncore 0 0\n"));
+}
+
 TEST(RenderOperations, OmmlWithoutAnEquationInAParagraphGivesNothing)
 {
     const char* const cases[] = {

@@ -221,6 +221,33 @@ const ArgCase kEnvironments[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Rows, EnvironmentArguments, ::testing::ValuesIn(kEnvironments));
 
+// Inside the braced argument of a text command each run of white space is one space of the text; in
+// math (\mathrm, or $..$ inside the text) and after a control word spaces are dropped as before.
+class TextSpaces : public ::testing::TestWithParam<ArgCase> {};
+TEST_P(TextSpaces, AreKeptAsText)
+{
+    expectParse(GetParam());
+}
+const ArgCase kTextSpaces[] = {
+    {R"(\text{if } x)", R"(Command "text"{arg{Group{"i" "f" " "}}} "x")"},
+    {R"(\textrm{a b})", R"(Command "textrm"{arg{Group{"a" " " "b"}}})"},
+    {"\\mbox{ a \t\n b }", R"(Command "mbox"{arg{Group{" " "a" " " "b" " "}}})"},
+    {R"(\textbf{a \textit{b c}} d e)",
+     R"(Command "textbf"{arg{Group{"a" " " Command "textit"{arg{Group{"b" " " "c"}}}}}} "d" "e")"},
+    {R"(\text{if $a b$ then})",
+     R"(Command "text"{arg{Group{"i" "f" " " "$" "a" "b" "$" " " "t" "h" "e" "n"}}})"},
+    {R"(\text{\alpha b})", R"(Command "text"{arg{Group{Command "alpha" "b"}}})"},
+    {R"(\text{a\ b})", R"(Command "text"{arg{Group{"a" Command "space_normal" "b"}}})"},
+    {R"(\text {a {b c}})", R"(Command "text"{arg{Group{"a" " " Group{"b" " " "c"}}}})"},
+    {"\\text{a % note\n b}", R"(Command "text"{arg{Group{"a" " " "b"}}})"},
+    {R"(\mathrm{a b})", R"(Command "mathrm"{arg{Group{"a" "b"}}})"},
+    {R"(\mathrm{~if~})", R"(Command "mathrm"{arg{Group{Command "nbsp" "i" "f" Command "nbsp"}}})"},
+    {R"(\text x y)", R"(Command "text"{arg{Group{"x"}}} "y")"},
+    {R"(\text{a} b)", R"(Command "text"{arg{Group{"a"}}} "b")"},
+    {R"(\text{a )", R"(Command "text"{arg{Group{"a"}}})", "E_missing_rbrace 6+1"},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, TextSpaces, ::testing::ValuesIn(kTextSpaces));
+
 // Chains of commands without braces nest one level per command; past the nesting guard the rest is
 // cut off with "F_nesting_overflow" instead of exhausting the stack, and the work stays linear.
 TEST(UnbracedArgumentLimits, LongChainsHitTheNestingGuard)
