@@ -97,7 +97,7 @@ void measure(const Operation& operation, int threads, int repeat)
     std::sort(rates.begin(), rates.end());
     std::printf("%-10s %2d thread(s)  best %9.0f  median %9.0f formulas/s  %9.0f per CPU-second  (%d inputs, "
                 "%ld non-empty)\n",
-                operation.name, threads, rates.back(), rates[rates.size() / 2], bestCpuRate,
+                operation.name, threads, rates.back(), rates[(rates.size() - 1) / 2], bestCpuRate,
                 int(operation.inputs->size()), produced.load() / repeat);
     std::fflush(stdout);
 }

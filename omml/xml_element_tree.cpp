@@ -3,6 +3,8 @@
 #include <QDomElement>
 #include <QXmlStreamReader>
 
+#include <array>
+
 int KXmlElementTree::store(QStringView text)
 {
     const int offset = chars.size();
@@ -143,6 +145,8 @@ KTextSurvey survey(const QString& xml)
                 result.streamable = false;
                 return result;
             }
+            if (u != '<' || rest.size() < 2 || (rest[1] != QLatin1Char('!') && rest[1] != QLatin1Char('?')))
+                continue;
             for (const auto& [start, stop] : kLiterals) {
                 if (rest.startsWith(start)) {
                     literalEnd = stop;
@@ -197,10 +201,15 @@ bool quotedControlSpace(QStringView raw)
 // rules; names of ASCII letters, digits and "_:.-" they judge alike.
 bool asciiName(QStringView name)
 {
+    static constexpr auto kNameChars = [] {
+        std::array<bool, 128> table{};
+        for (int c = 0; c < 128; ++c)
+            table[size_t(c)] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                               c == '_' || c == ':' || c == '.' || c == '-';
+        return table;
+    }();
     for (QChar c : name) {
-        const ushort u = c.unicode();
-        if (!((u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
-              u == ':' || u == '.' || u == '-'))
+        if (c.unicode() >= 128 || !kNameChars[c.unicode()])
             return false;
     }
     return true;
