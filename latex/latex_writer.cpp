@@ -82,13 +82,31 @@ const QString* spacingForm(const QString& name)
         {QStringLiteral("space_negthin"), QStringLiteral("\\!")},
         {QStringLiteral("space_quad"), QStringLiteral("\\quad ")},
         {QStringLiteral("space_qquad"), QStringLiteral("\\qquad ")},
-        {QStringLiteral("space_normal"), QStringLiteral(" ")},
+        // A bare space would be dropped by the lexer; the control space keeps it.
+        {QStringLiteral("space_normal"), QStringLiteral("\\ ")},
+        {QStringLiteral("nbsp"), QStringLiteral("~")},
     };
     for (const Spacing& spacing : kSpacing) {
         if (spacing.name == name)
             return &spacing.printed;
     }
     return nullptr;
+}
+
+// The text without the control spaces (`\ `) at its end: around a \left or \right
+// delimiter they are spacing, not part of the delimiter.
+QString withoutTrailingControlSpaces(QString text)
+{
+    for (;;) {
+        while (text.endsWith(QLatin1Char(' ')) && !text.endsWith(QLatin1String("\\ ")))
+            text.chop(1);
+        int backslashes = 0;
+        while (backslashes + 1 < text.size() && text.at(text.size() - 2 - backslashes) == QLatin1Char('\\'))
+            ++backslashes;
+        if (!text.endsWith(QLatin1Char(' ')) || backslashes % 2 == 0)
+            return text;
+        text.chop(2);
+    }
 }
 
 bool isKnownEnvironment(const QString& name)
@@ -119,8 +137,9 @@ bool isSimple(const KLatexNode* node)
             return false;
         node = group->children.front().get();
     }
+    // A control space goes in braces: written bare, its space would end the text.
     if (const KLatexCommand* command = latexAs<KLatexCommand>(node))
-        return command->args.empty();
+        return command->args.empty() && command->name != QLatin1String("space_normal");
     if (const KLatexText* text = latexAs<KLatexText>(node))
         return text->text.size() == 1;
     return false;
@@ -256,7 +275,8 @@ QString KLatexWriter::print(const KLatexCommand& command)
             // A braced delimiter such as "{(}" is written bare.
             if (delimiter.size() >= 2 && delimiter.startsWith(QLatin1Char('{')) &&
                 delimiter.endsWith(QLatin1Char('}'))) {
-                const QString inner = delimiter.mid(1, delimiter.size() - 2).trimmed();
+                const QString inner =
+                    withoutTrailingControlSpaces(delimiter.mid(1, delimiter.size() - 2)).trimmed();
                 if (!inner.contains(QLatin1Char('{')) && !inner.contains(QLatin1Char('}')))
                     delimiter = inner;
             }

@@ -356,6 +356,16 @@ KOmmlNodeList KLatexAst2Omml::convertSequence(const std::vector<const KLatexNode
 
 KOmmlNodeList KLatexAst2Omml::convertScript(const KLatexScript& script)
 {
+    // An operator name the argument table does not know (\sgn, \sen) takes its
+    // limits as the known ones do.
+    if (const auto* unknown = latexAs<KLatexUnknownCommand>(script.base.get())) {
+        const KLatexSymbol* entry = lookupCommand(unknown->name);
+        if (entry && entry->script && unknown->args.empty()) {
+            const KLatexScript known{makeCommand(unknown->name), cloneNode(script.sup.get(), m_depth),
+                                     cloneNode(script.sub.get(), m_depth)};
+            return entry->script(*this, known);
+        }
+    }
     if (const auto* baseCommand = latexAs<KLatexCommand>(script.base.get())) {
         const KLatexSymbol* entry = lookupCommand(baseCommand->name);
         if (!entry)
@@ -391,20 +401,58 @@ KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
 
 KOmmlNodeList KLatexAst2Omml::convertUnknown(const KLatexUnknownCommand& command)
 {
+    // A command the argument table does not know may still be one the command table
+    // knows (\colon, \hdots, the size switches): it converts by its row.
+    if (const KLatexSymbol* entry = lookupCommand(command.name))
+        return convertUnknownByEntry(command, *entry);
     KOmmlNodePtr run = makePlainRun(QLatin1Char('\\') + command.name);
     if (m_renderMode)
         ommlAs<ORun>(run.get())->wordProps.color = QColor(255, 0, 0);
     KOmmlNodeList result = makeOmmlList(std::move(run));
     // A macro this converter does not know still shows what it was given.
+    for (const KLatexArg& arg : command.args)
+        appendNodes(result, convertArgumentAsContent(arg));
+    return result;
+}
+
+KOmmlNodeList KLatexAst2Omml::convertUnknownByEntry(const KLatexUnknownCommand& command,
+                                                    const KLatexSymbol& entry)
+{
+    // A command that stands for characters takes no argument: what the parser read
+    // after it is content of its own (and an operator name takes it as its operand).
+    // Bracket groups are never arguments of these commands; they stay the math they
+    // are, where they stand.
+    const bool character = !entry.text.isEmpty();
+    KOmmlNodeList before;
+    KLatexArgs given;
+    std::vector<const KLatexArg*> after;
     for (const KLatexArg& arg : command.args) {
         if (!arg.node)
             continue;
-        if (arg.optional)
-            result.push_back(makeStyledRun(QStringLiteral("[")));
-        appendNodes(result, convert(*arg.node));
-        if (arg.optional)
-            result.push_back(makeStyledRun(QStringLiteral("]")));
+        if (arg.optional && !character && given.empty())
+            appendNodes(before, convertArgumentAsContent(arg));
+        else if (arg.optional || character)
+            after.push_back(&arg);
+        else
+            given.push_back(KLatexArg{false, cloneNode(arg.node.get(), m_depth)});
     }
+    KOmmlNodeList result = std::move(before);
+    appendNodes(result, entry.command(*this, KLatexCommand{command.name, std::move(given)}));
+    for (const KLatexArg* arg : after)
+        appendNodes(result, convertArgumentAsContent(*arg));
+    return result;
+}
+
+KOmmlNodeList KLatexAst2Omml::convertArgumentAsContent(const KLatexArg& arg)
+{
+    KOmmlNodeList result;
+    if (!arg.node)
+        return result;
+    if (arg.optional)
+        result.push_back(makeStyledRun(QStringLiteral("[")));
+    appendNodes(result, convert(*arg.node));
+    if (arg.optional)
+        result.push_back(makeStyledRun(QStringLiteral("]")));
     return result;
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 class KLatexAst2Omml;
+struct KLatexSymbol;
 
 // The properties a run takes from the current style.
 struct KRunProperties {
@@ -57,6 +58,9 @@ private:
     KOmmlNodeList convertScript(const KLatexScript& script);
     KOmmlNodeList convertLeftRight(const KLatexLeftRight& fence);
     KOmmlNodeList convertUnknown(const KLatexUnknownCommand& command);
+    KOmmlNodeList convertUnknownByEntry(const KLatexUnknownCommand& command, const KLatexSymbol& entry);
+    // An argument shown as ordinary content; a bracket argument keeps its brackets.
+    KOmmlNodeList convertArgumentAsContent(const KLatexArg& arg);
 
     struct KDispatch;
 

@@ -8,6 +8,8 @@
 KOmmlNodeList symbol(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList literal(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList firstArgument(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList declaration(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList hidden(KLatexAst2Omml&, const KLatexCommand&);
 
 // Structural (structural.cpp)
 KOmmlNodeList fraction(KLatexAst2Omml&, const KLatexCommand&);
@@ -40,6 +42,8 @@ KOmmlNodeList middleDelimiter(KLatexAst2Omml&, const KLatexCommand&);
 // Text, style and spacing (text_style.cpp)
 KOmmlNodeList mathFont(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList textFont(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList textScript(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList letterCase(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList color(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList colorBox(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList box(KLatexAst2Omml&, const KLatexCommand&);

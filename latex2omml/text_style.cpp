@@ -31,6 +31,7 @@ const QHash<QString, KMathAlphabet>& mathAlphabets()
     static const QHash<QString, KMathAlphabet> table = {
         {QStringLiteral("mathbb"), {OScript::doubleStruck, {}}},
         {QStringLiteral("mathbf"), {{}, OStyle::bold}},
+        {QStringLiteral("bold"), {{}, OStyle::bold}},
         {QStringLiteral("bf"), {{}, OStyle::bold}},
         {QStringLiteral("boldsymbol"), {{}, OStyle::boldItalic}},
         {QStringLiteral("pmb"), {{}, OStyle::boldItalic}},
@@ -349,6 +350,36 @@ KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
             style.wordProps.italic = true;
     }
     return convertStyled(ast, style, *content);
+}
+
+KOmmlNodeList letterCase(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \uppercase and \MakeUppercase change the case of the letters of their
+    // argument; the runs at the argument's top level are changed, structures kept.
+    KOmmlNodeList result = ast.convertArgument(command.args, 0);
+    const bool upper = command.name.contains(QLatin1String("pper"));
+    for (KOmmlNodePtr& node : result) {
+        if (auto* run = ommlAs<ORun>(node.get()))
+            run->text = upper ? run->text.toUpper() : run->text.toLower();
+    }
+    return result;
+}
+
+KOmmlNodeList textScript(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // \textsubscript and \textsuperscript raise or lower upright text after what
+    // precedes them; the script element has an empty base.
+    const KLatexNode* content = argumentNode(command.args, 0);
+    if (!content)
+        return {};
+    OControlProperties style = ast.currentStyle();
+    if (!style.mathProps)
+        style.mathProps = OMathRunProperties{};
+    KOmmlNodeList script = convertStyled(ast, style, *content);
+    const bool lower = command.name == QLatin1String("textsubscript");
+    KOmmlNodePtr element = lower ? makeScriptElement({}, std::move(script), std::nullopt)
+                                 : makeScriptElement({}, std::nullopt, std::move(script));
+    return makeOmmlList(std::move(element));
 }
 
 // The arguments after an optional colour model ([rgb]), which has no OMML form.

@@ -18,6 +18,40 @@ bool isRunSpace(QChar c)
     return (u >= 9 && u <= 13) || u == 32 || u == 133 || u == 160 || (u >= 128 && c.isSpace());
 }
 
+// The LaTeX spacing command that shows a space character of run text at its width,
+// or an empty name for the line-layout characters (tab, line feed, separators) that
+// a reader does not see as a space of their own.
+QString spacingCommand(QChar c)
+{
+    switch (c.unicode()) {
+    case 0x0020:
+        return QStringLiteral("space_normal");
+    case 0x00A0:
+        return QStringLiteral("nbsp");
+    case 0x2006: // sixth, punctuation, thin, hair and narrow no-break spaces
+    case 0x2008:
+    case 0x2009:
+    case 0x200A:
+    case 0x202F:
+        return QStringLiteral("space_thin");
+    case 0x2005: // four-per-em and medium mathematical spaces
+    case 0x205F:
+        return QStringLiteral("space_med");
+    case 0x2004:
+        return QStringLiteral("space_thick");
+    case 0x2000: // en quad, en space, figure space
+    case 0x2002:
+    case 0x2007:
+        return QStringLiteral("enspace");
+    case 0x2001: // em quad, em space, ideographic space
+    case 0x2003:
+    case 0x3000:
+        return QStringLiteral("space_quad");
+    default:
+        return {};
+    }
+}
+
 bool isWordChar(QChar c)
 {
     const ushort u = c.unicode();
@@ -50,9 +84,10 @@ QString fontCommand(const OMathRunProperties* mathProps, const OWordRunPropertie
 
 } // namespace
 
-// Splits run text into words (letters and digits) and single other characters;
-// white space only separates. Characters are kept as they are: a Greek letter
-// or an operator stays one Unicode character in its own text node.
+// Splits run text into words (letters and digits) and single other characters.
+// Characters are kept as they are: a Greek letter or an operator stays one Unicode
+// character in its own text node. A space becomes the spacing command of its
+// width, since LaTeX drops the spaces of math text; two em spaces are one \qquad.
 KLatexNodePtr runTextToLatex(const QString& text)
 {
     KLatexNodeList pieces;
@@ -62,9 +97,18 @@ KLatexNodePtr runTextToLatex(const QString& text)
             pieces.push_back(makeText(word));
         word.clear();
     };
+    const QString quad = QStringLiteral("space_quad");
     for (const QChar c : text) {
         if (isRunSpace(c)) {
             flushWord();
+            const QString name = spacingCommand(c);
+            if (name.isEmpty())
+                continue;
+            auto* previous = pieces.empty() ? nullptr : latexAs<KLatexCommand>(pieces.back().get());
+            if (name == quad && previous && previous->name == quad)
+                previous->name = QStringLiteral("space_qquad");
+            else
+                pieces.push_back(makeCommand(name));
         } else if (isWordChar(c)) {
             word.append(c);
         } else {

@@ -69,8 +69,16 @@ TEST(LatexWriter, PrintsWholeTrees)
         // Spacing commands, known or unknown, print their form and drop their arguments.
         {group(t("a"), cmd("space_thin"), cmd("space_med"), cmd("space_thick"), cmd("space_negthin"),
                cmd("space_quad"), cmd("space_qquad"), cmd("space_normal"), t("b")),
-         "a\\,\\:\\;\\!\\quad \\qquad  b"},
+         "a\\,\\:\\;\\!\\quad \\qquad \\ b"},
         {cmd("space_thin", arg(t("x"))), "\\,"},
+        // A space of the text is a control space, braced as a script; the lexer's
+        // no-break space is a tie.
+        {group(t("if"), cmd("space_normal"), t("x"), cmd("nbsp"), t("y")), "if\\ x~y"},
+        {script(t("x"), cmd("space_normal"), cmd("space_thin")), "x^{\\ }_\\,"},
+        {cmd("left", arg(makeLeftRight("{", "}", group(t("\\"), cmd("space_normal")), false))), "\\left\\\\"},
+        {cmd("right",
+             arg(makeLeftRight("{", "}", group(t("]"), cmd("space_normal"), cmd("space_normal")), false))),
+         "\\right]"},
         {makeUnknownCommand("space_quad", args(arg(t("x")))), "\\quad "},
         // \left and \right print their first argument, unwrapping a braced delimiter.
         {cmd("right", arg(cmd("rangle"))), "\\right\\rangle"},

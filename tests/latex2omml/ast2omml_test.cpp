@@ -69,9 +69,12 @@ TEST(ConverterCore, TreesTextCannotReach)
     EXPECT_EQ(convertTree(makeLeftRight("[", "]", group(text("x")), false)), d("[", "]", r("x")));
     EXPECT_EQ(convertTree(makeScript(text("x"), nullptr, nullptr)), kNone);
     EXPECT_EQ(convertTree(command("alpha", braced("x"))), kNone);
-    // A literal converts its arguments after its name, skipping missing ones.
+    // A literal converts its arguments after its name, skipping missing ones; a size
+    // switch converts them alone.
+    EXPECT_EQ(convertTree(command("nolimits", braced("x"), arg(nullptr), arg(command("beta")))),
+              r("\\nolimits") + r("x") + r(QStringLiteral("\u03B2")));
     EXPECT_EQ(convertTree(command("tiny", braced("x"), arg(nullptr), arg(command("beta")))),
-              r("\\tiny") + r("x") + r(QStringLiteral("\u03B2")));
+              r("x") + r(QStringLiteral("\u03B2")));
     EXPECT_EQ(convertTree(command("operatorname", arg(nullptr))), kNone);
     EXPECT_EQ(convertTree(command("operatorname", braced("rank"), braced("x"))), r("rank"));
 }

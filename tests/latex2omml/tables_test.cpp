@@ -19,7 +19,7 @@ void expectDistinctAndFound(const std::vector<QString>& keys, std::size_t count,
 
 TEST(Tables, EveryKeyIsPresentOnceAndNothingElse)
 {
-    expectDistinctAndFound(commandTableKeys(), 838, [](const QString& k) { return lookupCommand(k); });
+    expectDistinctAndFound(commandTableKeys(), 905, [](const QString& k) { return lookupCommand(k); });
     expectDistinctAndFound(environmentTableKeys(), 32, [](const QString& k) { return lookupEnvironment(k); });
     expectDistinctAndFound(delimiterMapKeys(), 36, [](const QString& k) { return lookupDelimiter(k); });
     for (const char* name : {"", "ALPHA", "label", "nonumber", "definecolor", "\\\\", "sum\\limits\\limits"})
@@ -60,7 +60,8 @@ TEST(Tables, EveryCommandEntryConverts)
                 args.push_back(braced("a"));
             converts = !convertTree(makeCommand(key, std::move(args))).isEmpty();
         }
-        EXPECT_TRUE(converts) << name;
+        // Only the commands that show nothing at all convert to nothing with arguments too.
+        EXPECT_EQ(converts, family != hidden) << name;
     }
 }
 
@@ -71,10 +72,10 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\alpha\\epsilon\\varepsilon\\phi\\varphi",
                   r(QStringLiteral("\u03B1\u03F5\u03B5\u03D5\u03C6"))},
         LatexCase{"\\Beta\\Rho\\S", r(QStringLiteral("BP\u00A7"))}, LatexCase{"\\exp x", r("expx")},
-        LatexCase{"\\log x", func(rp("log"), r("x"))}, LatexCase{"\\tiny x", r("\\tinyx")},
-        LatexCase{"\\mathbf{\\tiny}", r("\\tiny")}, LatexCase{"\\displaystyle{x}", r("x")},
+        LatexCase{"\\log x", func(rp("log"), r("x"))}, LatexCase{"\\tiny x", r("x")},
+        LatexCase{"\\mathbf{\\tiny}", ""}, LatexCase{"\\displaystyle{x}", r("x")},
         LatexCase{"\\displaystyle", ""}, LatexCase{"\\substack{a}", r("a")}, LatexCase{"\\middle|", r("|")},
-        LatexCase{"\\triangledown", r("\\triangledown")},
+        LatexCase{"\\triangledown", r(QStringLiteral("\u25BD"))},
         LatexCase{"a\\,b\\;c\\quad d\\qquad\\!e", r(QStringLiteral("a\u2009b\u2004c\u2003d\u2003\u2003e"))},
         LatexCase{"\\{\\}\\|\\#\\&", r(QStringLiteral("{}\u2016#&amp;"))},
         LatexCase{"a~b", r(QStringLiteral("a\u00A0b"))}, LatexCase{"\\operatorname{rank} A", r("rankA")},

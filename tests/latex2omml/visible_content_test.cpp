@@ -80,6 +80,40 @@ INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
                                            LatexCase{"\\foo[a]{b}", r("\\foo[a]b")},
                                            LatexCase{"\\foo{\\frac{a}{b}}", r("\\foo") + frac(a, b)}));
 
+// Commands the parser does not know but the command table does convert by their row:
+// what TeX shows, never their name.
+INSTANTIATE_TEST_SUITE_P(
+    CommandsUnknownToTheParser, LatexToOmml,
+    ::testing::Values(
+        LatexCase{"\\varphi\\colon[0,1]\\to[0,1]", r(QStringLiteral("\u03C6:[0,1]\u2192[0,1]"))},
+        LatexCase{"\\colon{x}", r(":x")}, LatexCase{"a\\hdots b", r(QStringLiteral("a\u2026b"))},
+        LatexCase{"a\\textsubscript{r}", a + sSub(kNone, r("r"))},
+        LatexCase{"x\\textsuperscript{th}", x + sSup(kNone, r("th"))}, LatexCase{"\\textsuperscript", kNone},
+        LatexCase{"\\bold{x}", r("x", sty("b"))}, LatexCase{"\\smash{x}", x},
+        LatexCase{"\\smash[t]{x}", r("[t]x")}, LatexCase{"\\sgn x", func(rp("sgn"), x)},
+        LatexCase{"\\sen^2 x", func(sSup(rp("sen"), r("2")), x)},
+        LatexCase{"\\Mu\\Nu\\Omicron\\Digamma\\Koppa\\Sampi\\Stigma\\Coppa",
+                  r(QStringLiteral("MNO\u03DC\u03DE\u03E0\u03DA\u03D8"))},
+        LatexCase{"\\o\\O\\euro 5", r(QStringLiteral("\u00F8\u00D8\u20AC5"))},
+        LatexCase{"\\Rrightarrow\\Lleftarrow", r(QStringLiteral("\u21DB\u21DA"))},
+        LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
+        LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))}, LatexCase{"a\\eqno(1)", r("a(1)")},
+        LatexCase{"\\uppercase{h}\\MakeLowercase{AB}", r("Hab")}, LatexCase{"\\uppercase{}", kNone},
+        LatexCase{"\\uppercase{\\frac{a}{b}c}", frac(a, b) + r("C")},
+        LatexCase{"\\l\\L\\empty\\dotplus\\divideontimes",
+                  r(QStringLiteral("\u0142\u0141\u2205\u2214\u22C7"))}));
+
+// Size and weight switches show nothing of their own; what follows them stays.
+INSTANTIATE_TEST_SUITE_P(SwitchesWithoutContent, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"\\scriptsize th", r("th")},
+                                           LatexCase{"a\\footnotesize b", r("ab")},
+                                           LatexCase{"a\\Huge{b}", r("ab")},
+                                           LatexCase{"\\mathrm{\\small T}", r("T", sty("p"))},
+                                           LatexCase{"{\\large}", kNone}, LatexCase{"\\footnotesize", kNone},
+                                           LatexCase{"\\boldmath x\\unboldmath", x},
+                                           LatexCase{"\\normalfont\\protect\\sl x", x},
+                                           LatexCase{"\\scriptsize\\frac{a}{b}", frac(a, b)}));
+
 TEST(VisibleContent, UnknownCommandArgumentsInRenderMode)
 {
     EXPECT_EQ(convertLatex("\\foo{x}", true), r("\\foo", colour("ff0000")) + x);

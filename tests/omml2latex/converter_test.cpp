@@ -52,7 +52,11 @@ TEST(ConvertsModel, ValuesTextCannotReach)
     const std::pair<KOmmlNodePtr, QString> cases[] = {
         {makeOmmlNode(OMathParagraph{makeOmmlNode(OMathEquation{one("x")})}), "null"},
         {makeOmmlNode(OMathEquation{makeOmmlList(KOmmlNodePtr(), run("x"), KOmmlNodePtr())}), "x"},
-        {run(" \t\n\r\v\f"), "null"},
+        {run("\t\n\r\v\f"), "null"},
+        // Spaces a reader sees keep their width; line layout characters do not show.
+        {run(" \t\n"), "\\ "},
+        {run(u8"\u2003\u2003\u2003\u00A0"), "\\qquad \\quad ~"},
+        {run(u8"\u3000\u2000\u2006\u205F"), "\\quad \\enspace\\,\\:"},
         {makeOmmlNode(std::move(f)), "\\frac{a}{b}"},
         {makeOmmlNode(std::move(root)), "\\sqrt[]{x}"},
         {makeOmmlNode(std::move(matrix)), "\\begin{matrix}\n\t\n\\end{matrix}"},
@@ -70,8 +74,8 @@ TEST(ConvertsModel, ListsDropBlanksAndNullsAndUnwrapOne)
     const KLatexNodePtr empty = converter.convertList({});
     ASSERT_NE(empty, nullptr);
     EXPECT_EQ(latexOf(empty), "");
-    EXPECT_EQ(latexOf(converter.convertList(makeOmmlList(run(" "), run("x")))), "x");
-    EXPECT_EQ(latexOf(converter.convertList(makeOmmlList(run(" "), KOmmlNodePtr()))), "");
+    EXPECT_EQ(latexOf(converter.convertList(makeOmmlList(run("\n"), run("x")))), "x");
+    EXPECT_EQ(latexOf(converter.convertList(makeOmmlList(run("\t"), KOmmlNodePtr()))), "");
 }
 
 // A chain of phantoms `depth` deep, dismantled iteratively so that neither

@@ -67,11 +67,18 @@ TEST(OmmlTextToLatex, Runs)
 {
     expectAll({
         {"", ""},
-        {r("sin x+1"), "sin x+1"},
+        {r("sin x+1"), "sin\\ x+1"},
         {r("50%&#x26;{a}_#~$\\"), "50\\%\\&\\{a\\}\\_\\#\\~\\$\\\\"},
-        {r(u8"αβx x²٣ 12.5 a≤b±c𝑥"), QString::fromUtf8(u8"αβx x²٣ 12.5 a≤b±c𝑥")},
-        {r(u8"a\u0085b\u00A0c\u2003d\u3000e"), "a b c d e"},
+        {r(u8"αβx x²٣ 12.5 a≤b±c𝑥"), QString::fromUtf8(u8"αβx\\ x²٣\\ 12.5\\ a≤b±c𝑥")},
+        {r(u8"a\u0085b\u00A0c\u2003d\u3000e"), "a b~c\\quad d\\quad e"},
+        // The reader drops text that is white space only.
         {r("a") + r("  ") + r("b"), "a b"},
+        {r("if x"), "if\\ x"},
+        {r(u8"a\u2009b\u200Ac\u2005d\u205Fe\u2004f"), "a\\,b\\,c\\:d\\:e\\;f"},
+        {r(u8"a\u2003\u2003b\u2003\u2003\u2003c\u2002d"), "a\\qquad b\\qquad \\quad c\\enspace d"},
+        {r(u8"\U0001D465 \U0001D466\t\n"), QString::fromUtf8(u8"\U0001D465\\ \U0001D466")},
+        {m("sSup", x + m("sup", r("a b"))), "x^{a\\ b}"},
+        {m("f", m("num", r(" a")) + m("den", r("b "))), "\\frac{\\ a}{b\\ }"},
         {r(" ") + r(" "), ""},
         {m("f", ab) + r("x"), "\\frac{a}{b} x"},
         {m("foo", r("z")) + "<mml:f/>" + r("x"), "x"},
@@ -185,7 +192,7 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {sr("", "<w:i/>"), "\\textit{x}"},
         {sr(p, "<w:b/>"), "\\textbf{x}"},
         {sr(p, ""), "\\mathrm{x}"},
-        {sr(p, "", "d x"), "\\mathrm{d x}"},
+        {sr(p, "", "d x"), "\\mathrm{d\\ x}"},
         {sr(v("sty", "b"), ""), "\\mathbf{x}"},
         {sr(v("sty", "i"), ""), "\\mathit{x}"},
         {sr(v("sty", "bi"), ""), "\\boldsymbol{x}"},
@@ -213,7 +220,7 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {sr("", "<w:b/>" + colour("0000FF")), "\\textcolor{blue}{\\textbf{x}}"},
         {sr(v("sty", "b"), colour("0000FF")), "\\textcolor{blue}{\\mathbf{x}}"},
         {sr("", "<w:b/><w:i/>", " "), "\\textbf{\\textit{}}"},
-        {sr(v("scr", "script"), "", " "), "\\mathcal{}"},
+        {sr(v("scr", "script"), "", "\t"), "\\mathcal{}"},
         {m("f", m("fPr", ctrl(v("sty", "b"), "")) + ab), "\\mathbf{\\frac{a}{b}}"},
         {m("f", m("fPr", ctrl(v("scr", "double-struck"), font(""))) + ab), "\\mathbb{\\frac{a}{b}}"},
         {m("f", m("fPr", ctrl("", font(""))) + ab), "\\frac{a}{b}"},
@@ -258,7 +265,7 @@ TEST(OmmlTextToLatex, ReadsWordProcessorMarkup)
         "</w:rPr><m:t>2</m:t></m:r></m:sup>\n    </m:sSup>\n" +
         "    <w:bookmarkStart w:id=\"0\" w:name=\"_GoBack\"/>\n    " + sr(v("sty", "p"), cm, "+") +
         "\n    <m:r><m:t xml:space=\"preserve\"> 1 </m:t></m:r>\n  </m:oMath>\n</m:oMathPara>\n";
-    EXPECT_EQ(toLatex(xml), "\\textit{x^2}\\mathrm{+}1");
+    EXPECT_EQ(toLatex(xml), "\\textit{x^2}\\mathrm{+}\\ 1\\ ");
 }
 
 QString nestedPhantoms(int depth)

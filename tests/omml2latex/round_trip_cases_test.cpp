@@ -13,7 +13,11 @@ TEST(RoundTrip, IsExactAndStable)
     const std::pair<const char*, const char*> cases[] = {
         {"\\frac{a}{b}", "\\frac{a}{b}"},
         {"\\sum_{i=1}^{n} i", "\\sum\\nolimits^n_{i=1}{i}"},
-        {"\\int\\limits_0^1 x\\,dx", "\\int\\limits^1_0{x} dx"},
+        {"\\int\\limits_0^1 x\\,dx", "\\int\\limits^1_0{x}\\,dx"},
+        {"a\\ b\\quad c\\qquad d~e\\;f\\:g", "a\\ b\\quad c\\qquad d~e\\;f\\:g"},
+        {"\\text{if}\\ x", "if\\ x"},
+        {"x^{a\\ b}_{\\,c}", "x^{a\\ b}_{\\,c}"},
+        {"\\enspace x\\hfill y", "\\enspace x\\quad y"},
         {"\\begin{pmatrix} a & b \\\\ c & d \\end{pmatrix}",
          "\\left(\\begin{matrix}\n\ta & b \\\\\n\tc & d\n\\end{matrix}\\right)"},
         {"\\vec{v}", "\\overrightarrow{v}"},
@@ -34,6 +38,19 @@ TEST(RoundTrip, IsExactAndStable)
         const QString first = helper.ommlToLatex(helper.latexToOmml(QString::fromUtf8(latex)));
         EXPECT_EQ(first, QString::fromUtf8(expected)) << latex;
         EXPECT_EQ(helper.ommlToLatex(helper.latexToOmml(first)), first) << latex;
+    }
+}
+
+// Spaces a reader sees inside text survive LaTeX -> OMML -> LaTeX -> OMML: the
+// OMML of the second trip is the OMML of the first.
+TEST(RoundTrip, KeepsSpacesInText)
+{
+    const KFormulaConverterHelper helper;
+    for (const char* latex : {"\\text{if } x", "\\text{ a  b }", "\\mathrm{~if~} x", "a\\ \\ b",
+                              "\\textbf{x y}", "\\text{\xF0\x9D\x91\xA5 y}"}) {
+        const QString omml = helper.latexToOmml(QString::fromUtf8(latex));
+        const QString back = helper.ommlToLatex(omml);
+        EXPECT_EQ(helper.latexToOmml(back), omml) << latex << " -> " << back.toStdString();
     }
 }
 
