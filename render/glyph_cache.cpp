@@ -36,13 +36,42 @@ KGlyphFont::KGlyphFont(const QFont& font) : m_font(font), m_metrics(font)
 {
 }
 
-double KGlyphFont::advance(QChar c) const
+int characterLength(QStringView text, int index)
 {
-    const auto found = m_advances.constFind(c.unicode());
+    if (index + 1 < text.size() && text[index].isHighSurrogate() && text[index + 1].isLowSurrogate())
+        return 2;
+    return 1;
+}
+
+int characterCount(QStringView text)
+{
+    int count = 0;
+    for (int i = 0; i < text.size(); i += characterLength(text, i))
+        ++count;
+    return count;
+}
+
+namespace {
+
+char32_t codePointOf(QStringView character)
+{
+    if (character.size() == 2)
+        return QChar::surrogateToUcs4(character[0], character[1]);
+    return character.isEmpty() ? 0 : character[0].unicode();
+}
+
+} // namespace
+
+double KGlyphFont::advance(QStringView character) const
+{
+    const char32_t key = codePointOf(character);
+    const auto found = m_advances.constFind(key);
     if (found != m_advances.constEnd())
         return *found;
-    const double value = m_metrics.horizontalAdvance(c);
-    m_advances.insert(c.unicode(), value);
+    // A single unit goes through the one-character measure, a pair through the text measure.
+    const double value = character.size() == 1 ? m_metrics.horizontalAdvance(character[0])
+                                               : m_metrics.horizontalAdvance(character.toString());
+    m_advances.insert(key, value);
     return value;
 }
 
@@ -56,13 +85,14 @@ double fixedPoint(double value)
 
 } // namespace
 
-QPainterPath KGlyphFont::glyphPath(QChar c, double x, double y) const
+QPainterPath KGlyphFont::glyphPath(QStringView character, double x, double y) const
 {
-    auto found = m_paths.constFind(c.unicode());
+    const char32_t key = codePointOf(character);
+    auto found = m_paths.constFind(key);
     if (found == m_paths.constEnd()) {
         QPainterPath origin;
-        origin.addText(QPointF(0, 0), m_font, QString(c));
-        found = m_paths.insert(c.unicode(), origin);
+        origin.addText(QPointF(0, 0), m_font, character.toString());
+        found = m_paths.insert(key, origin);
     }
     return found->translated(fixedPoint(x), fixedPoint(y));
 }

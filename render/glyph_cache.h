@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QPainterPath>
 #include <QString>
+#include <QStringView>
 
 class KGlyphFont {
 public:
@@ -17,19 +18,27 @@ public:
 
     const QFont& font() const { return m_font; }
     const QFontMetricsF& metrics() const { return m_metrics; }
-    // The horizontal advance of one UTF-16 unit.
-    double advance(QChar c) const;
-    // One UTF-16 unit as an outline with its baseline origin at (x, y).
-    QPainterPath glyphPath(QChar c, double x, double y) const;
+    // The horizontal advance of one character: a single UTF-16 unit, or a surrogate
+    // pair (a character outside the Basic Multilingual Plane) taken together.
+    double advance(QStringView character) const;
+    // One character, as for advance, as an outline with its baseline origin at (x, y).
+    QPainterPath glyphPath(QStringView character, double x, double y) const;
     // A whole text as an outline with its baseline origin at (0, 0).
     QPainterPath textPath(const QString& text) const;
 
 private:
     QFont m_font;
     QFontMetricsF m_metrics;
-    mutable QHash<char16_t, double> m_advances;
-    mutable QHash<char16_t, QPainterPath> m_paths;
+    // Keyed by code point; a lone surrogate keys as its own unit, which no pair decodes to.
+    mutable QHash<char32_t, double> m_advances;
+    mutable QHash<char32_t, QPainterPath> m_paths;
 };
+
+// The number of UTF-16 units of the character starting at `index`: 2 for a high
+// surrogate followed by a low one, else 1 (a lone surrogate counts as a character).
+int characterLength(QStringView text, int index);
+// The number of characters of `text` in that sense.
+int characterCount(QStringView text);
 
 // The font of family `family` at `pointSize` points (unset when not positive),
 // italic and weight 75 as asked; cached per thread, valid for the thread's life.

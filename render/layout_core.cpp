@@ -2,6 +2,7 @@
 // limits and n-ary operators are in layout_scripts.cpp. Every length is a multiple
 // of the current size S; y grows downward and each node's y is its top edge.
 
+#include "render/glyph_cache.h"
 #include "render/layout_engine.h"
 
 #include <algorithm>
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr double kGlyphSpacing = 0.1; // × S added between the characters of a run
+constexpr double kGlyphSpacing = 0.1; // × S added between the characters (code points) of a run
 constexpr double kAxisHeight = 0.25;  // × S: the math axis lies this far above the baseline
 constexpr double kFunctionGap = 0.5;  // × S between a function name and its argument
 constexpr double kRadicalUnit = 0.1;  // × S, the unit of the radical sign's geometry
@@ -46,7 +47,8 @@ KTypoNodePtr layoutRun(const KLayoutContext& context, const ORun& run)
         glyph->fillColor = run.wordProps.color->name();
     double width = 0;
     if (!run.text.isEmpty())
-        width = context.metrics.horizontalAdvance(run.text) + (run.text.size() - 1) * kGlyphSpacing * s;
+        width =
+            context.metrics.horizontalAdvance(run.text) + (characterCount(run.text) - 1) * kGlyphSpacing * s;
     const double ascent = context.metrics.ascent();
     const double descent = context.metrics.descent();
     setBox(*glyph, width, ascent, descent);

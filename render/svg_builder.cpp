@@ -37,7 +37,8 @@ const QString& colourOr(const QString& colour, const QString& fallback)
     return colour.isEmpty() ? fallback : colour;
 }
 
-// A glyph run: each UTF-16 unit drawn on its own, 0.1 x size further apart than the font's advances.
+// A glyph run: each character drawn on its own, 0.1 x size further apart than the font's
+// advances. A surrogate pair is one character, drawn and advanced as a whole.
 void paintGlyph(QPainter& painter, const KTypoNode& node, double x, double y)
 {
     if (node.text.isEmpty())
@@ -50,9 +51,13 @@ void paintGlyph(QPainter& painter, const KTypoNode& node, double x, double y)
     const double baseline = y + node.ascent;
     const double spacing = 0.1 * node.fontSize;
     double penX = x;
-    for (const QChar c : node.text) {
-        painter.drawPath(font.glyphPath(c, penX, baseline));
-        penX += font.advance(c) + spacing;
+    const QStringView text(node.text);
+    for (int i = 0; i < text.size();) {
+        const int length = characterLength(text, i);
+        const QStringView character = text.mid(i, length);
+        painter.drawPath(font.glyphPath(character, penX, baseline));
+        penX += font.advance(character) + spacing;
+        i += length;
     }
 }
 

@@ -25,23 +25,39 @@ double baselineOf(const KTypoNode* node)
 
 TEST(RunLayout, WidthIsTheAdvancePlusATenthOfTheSizePerGap)
 {
+    // gaps: the spaces between characters, where a surrogate pair is one character and a
+    // lone surrogate is one character of its own.
     const struct {
-        const char* text;
+        const char16_t* text;
         double size;
-    } cases[] = {{"ab", 10}, {"x", 12}, {"sin", 7}, {"\xF0\x9D\x91\xA5y", 10}, {"", 10}};
+        int gaps;
+    } cases[] = {{u"ab", 10, 1},
+                 {u"x", 12, 0},
+                 {u"sin", 7, 2},
+                 {u"\U0001D465y", 10, 1},
+                 {u"a\U0001D465b", 10, 2},
+                 {u"a\U0001D465b", 12, 2},
+                 {u"\U0001D538\U0001D465", 10, 1},
+                 {u"\U0001F600", 10, 0},
+                 {u"a\xD835"
+                  u"b",
+                  10, 2},
+                 {u"a\xD835", 10, 1},
+                 {u"\xDC65\xD835", 10, 1},
+                 {u"\xD835\xD835\xDC65", 10, 1},
+                 {u"", 10, 0}};
     for (const auto& c : cases) {
-        const QString text = QString::fromUtf8(c.text);
+        const QString text = QString::fromUtf16(c.text);
         const QFontMetricsF m = metricsAt(c.size);
         const Laid laid = layoutOne(run(text), c.size);
-        ASSERT_NE(laid.node, nullptr) << c.text;
-        const double expected =
-            text.isEmpty() ? 0 : m.horizontalAdvance(text) + (text.size() - 1) * 0.1 * c.size;
-        EXPECT_NEAR(laid.node->width, expected, kEps) << c.text;
-        EXPECT_NEAR(laid.node->ascent, m.ascent(), kEps) << c.text;
-        EXPECT_NEAR(laid.node->bottom, m.descent(), kEps) << c.text;
-        EXPECT_NEAR(laid.node->height, m.ascent() + m.descent(), kEps) << c.text;
+        ASSERT_NE(laid.node, nullptr) << text.size();
+        const double expected = text.isEmpty() ? 0 : m.horizontalAdvance(text) + c.gaps * 0.1 * c.size;
+        EXPECT_NEAR(laid.node->width, expected, kEps) << qPrintable(text);
+        EXPECT_NEAR(laid.node->ascent, m.ascent(), kEps) << qPrintable(text);
+        EXPECT_NEAR(laid.node->bottom, m.descent(), kEps) << qPrintable(text);
+        EXPECT_NEAR(laid.node->height, m.ascent() + m.descent(), kEps) << qPrintable(text);
         const KTypoNode* glyph = glyphOf(laid.node);
-        ASSERT_NE(glyph, nullptr) << c.text;
+        ASSERT_NE(glyph, nullptr) << qPrintable(text);
         EXPECT_EQ(glyph->text, text);
         EXPECT_EQ(glyph->fontSize, c.size);
     }

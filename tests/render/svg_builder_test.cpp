@@ -116,6 +116,61 @@ TEST(SvgPainting, GlyphCharactersAreATenthOfTheSizeFurtherApartThanTheirAdvances
     EXPECT_TRUE(paths == pathsOf(KSvgBuilder().build(apart.get())));
 }
 
+// The SVG of one glyph node holding `text`, and of the same characters as separate nodes
+// placed where the run should put them: each one its own advance plus 1 pt (a tenth of 10 pt)
+// after the previous.
+struct RunAndParts {
+    QString together;
+    QString apart;
+};
+
+RunAndParts paintedRunAndParts(const QString& text, const QStringList& characters)
+{
+    QFont font(QStringLiteral("Times New Roman"));
+    font.setPointSizeF(10);
+    const QFontMetricsF metrics(font);
+    auto together = rootOf(60, 20);
+    together->addChild(glyph(text, 10, 3));
+    auto apart = rootOf(60, 20);
+    double x = 3;
+    for (const QString& character : characters) {
+        apart->addChild(glyph(character, 10, x));
+        const double advance = character.size() == 1 ? metrics.horizontalAdvance(character.at(0))
+                                                     : metrics.horizontalAdvance(character);
+        x += advance + 1.0;
+    }
+    return {KSvgBuilder().build(together.get()), KSvgBuilder().build(apart.get())};
+}
+
+TEST(SvgPainting, SurrogatePairIsOneCharacterAndLoneSurrogatesAreOneUnitEach)
+{
+    const QString pair = QString::fromUtf16(u"\U0001D465");
+    const QString high = QString::fromUtf16(u"\xD835");
+    const QString low = QString::fromUtf16(u"\xDC65");
+    const struct {
+        QString text;
+        QStringList characters;
+    } cases[] = {
+        {QStringLiteral("a") + pair + QStringLiteral("b"), {QStringLiteral("a"), pair, QStringLiteral("b")}},
+        {QString::fromUtf16(u"\U0001D538\U0001F600"),
+         {QString::fromUtf16(u"\U0001D538"), QString::fromUtf16(u"\U0001F600")}},
+        {QStringLiteral("a") + high + QStringLiteral("b"), {QStringLiteral("a"), high, QStringLiteral("b")}},
+        {QStringLiteral("a") + high, {QStringLiteral("a"), high}},
+        {low + high, {low, high}},
+        {high + high + low, {high, high + low}},
+    };
+    for (const auto& c : cases) {
+        const RunAndParts painted = paintedRunAndParts(c.text, c.characters);
+        EXPECT_FALSE(painted.together.isEmpty()) << c.text.size();
+        EXPECT_TRUE(pathsOf(painted.together) == pathsOf(painted.apart)) << c.text.size();
+    }
+    // The pair is drawn as one outline, not as two halves.
+    const QStringList paths =
+        pathsOf(paintedRunAndParts(QStringLiteral("a") + pair + QStringLiteral("b"), {}).together);
+    ASSERT_EQ(paths.size(), 3);
+    EXPECT_FALSE(paths[1].isEmpty());
+}
+
 TEST(SvgPainting, GlyphStyleAndColour)
 {
     auto coloured = rootOf(30, 20);
@@ -257,13 +312,30 @@ TEST(SvgPainting, NonFiniteCoordinatesSkipTheDrawingButNotTheWalk)
 TEST(Fonts, MathCharactersResolveThroughAFallbackFace)
 {
     const KGlyphFont& font = glyphFont(QStringLiteral("Times New Roman"), 12, false, false);
-    const QPainterPath missing = font.glyphPath(QChar(0xFFFF), 0, 0); // a noncharacter: no face has it
+    const QPainterPath missing = font.glyphPath(u"\xFFFF", 0, 0); // a noncharacter: no face has it
     for (const char16_t c : {u'\u2211', u'\u2208', u'\u2264', u'\u2202', u'\u2207', u'\u2297', u'\u03B1'}) {
-        const QPainterPath path = font.glyphPath(QChar(c), 0, 0);
+        const QPainterPath path = font.glyphPath(QStringView(&c, 1), 0, 0);
         EXPECT_FALSE(path.isEmpty()) << int(c);
         EXPECT_NE(path, missing) << int(c);
-        EXPECT_GT(font.advance(QChar(c)), 0) << int(c);
+        EXPECT_GT(font.advance(QStringView(&c, 1)), 0) << int(c);
         EXPECT_GT(font.metrics().horizontalAdvance(QChar(c)), 0) << int(c);
+    }
+}
+
+// Letters outside the Basic Multilingual Plane come from a math face too, whole.
+TEST(Fonts, MathAlphanumericsOutsideTheBasicPlaneHaveOutlines)
+{
+    const KGlyphFont& font = glyphFont(QStringLiteral("Times New Roman"), 12, false, false);
+    const QPainterPath missing = font.glyphPath(u"\xFFFF", 0, 0);
+    for (const char16_t* text : {u"\U0001D465", u"\U0001D538", u"\U0001D6FC"}) {
+        const QString character = QString::fromUtf16(text);
+        ASSERT_EQ(character.size(), 2);
+        const QPainterPath path = font.glyphPath(character, 0, 0);
+        EXPECT_FALSE(path.isEmpty()) << qPrintable(character);
+        EXPECT_NE(path, missing) << qPrintable(character);
+        EXPECT_NE(path, font.glyphPath(character.left(1), 0, 0)) << qPrintable(character);
+        EXPECT_NEAR(font.advance(character), font.metrics().horizontalAdvance(character), 1e-9);
+        EXPECT_GT(font.advance(character), 0) << qPrintable(character);
     }
 }
 
