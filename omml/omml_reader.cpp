@@ -122,7 +122,7 @@ public:
         };
         const QStringView tag = element.tagName();
         for (const Entry& entry : kElements) {
-            if (tag == QLatin1String(entry.tag)) {
+            if (is(tag, entry.tag)) {
                 ++m_depth;
                 KOmmlNodePtr node = entry.read(*this, element);
                 --m_depth;

@@ -7,11 +7,21 @@
 
 #include "omml/xml_element_tree.h"
 
+#include <cstring>
+
 namespace ommlread {
 
+// Compared inline: most comparisons fail on the length alone.
 inline bool is(QStringView tag, const char* name)
 {
-    return tag == QLatin1String(name);
+    const size_t size = std::strlen(name);
+    if (size_t(tag.size()) != size)
+        return false;
+    for (size_t i = 0; i < size; ++i) {
+        if (tag[qsizetype(i)].unicode() != static_cast<unsigned char>(name[i]))
+            return false;
+    }
+    return true;
 }
 
 // m:jc of a paragraph's properties: "left", "right", "center", anything else centerGroup.

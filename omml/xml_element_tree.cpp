@@ -5,13 +5,6 @@
 
 #include <array>
 
-int KXmlElementTree::store(QStringView text)
-{
-    const int offset = chars.size();
-    chars.append(text.data(), int(text.size()));
-    return offset;
-}
-
 int KXmlElementTree::append(int parent, const Node& node)
 {
     const int index = int(nodes.size());
@@ -271,7 +264,7 @@ public:
         if (m_open.empty())
             return;
         if (m_pendingSize == 0)
-            m_pending = m_tree.chars.size();
+            m_pending = m_tree.charsUsed;
         m_tree.store(text);
         m_pendingSize += int(text.size());
     }
@@ -309,7 +302,7 @@ private:
             return;
         const QStringView text = m_tree.view(m_pending, m_pendingSize);
         if (allSpace(text) && !keepsWhiteSpaceHere()) {
-            m_tree.chars.truncate(m_pending);
+            m_tree.charsUsed = m_pending;
         } else {
             KXmlElementTree::Node node;
             node.isText = true;
@@ -375,7 +368,7 @@ KXmlStreamResult readXmlElementTree(const QString& xml, int maxDepth, KXmlElemen
         return KXmlStreamResult::unsupported;
     // Names and texts take fewer characters than the markup around them, and
     // a node or attribute costs at least a few characters of text.
-    tree.chars.reserve(xml.size());
+    tree.chars.resize(xml.size()); // names and texts are never longer than the markup
     tree.nodes.reserve(size_t(xml.size() / 16));
     tree.attributes.reserve(size_t(xml.size() / 32));
     KTreeBuilder builder(tree);
@@ -433,6 +426,6 @@ KXmlStreamResult readXmlElementTree(const QString& xml, int maxDepth, KXmlElemen
 
 void copyDomElementTree(const QDomElement& element, KXmlElementTree& tree)
 {
-    tree.chars.reserve(256);
+    tree.chars.resize(256);
     copyDomNode(element, -1, tree);
 }

@@ -10,6 +10,8 @@
 #include <QString>
 #include <QStringView>
 
+#include <algorithm>
+#include <cstring>
 #include <vector>
 
 class QDomElement;
@@ -35,11 +37,21 @@ public:
 
     std::vector<Node> nodes; // nodes[0] is the document element
     std::vector<Attribute> attributes;
-    QString chars;
+    QString chars; // grown ahead; only the first charsUsed characters are meaningful
+    int charsUsed = 0;
 
     QStringView view(int offset, int size) const { return QStringView(chars.constData() + offset, size); }
     // Appends the text to the character buffer and returns its offset.
-    int store(QStringView text);
+    int store(QStringView text)
+    {
+        const int offset = charsUsed;
+        const int size = int(text.size());
+        if (chars.size() - charsUsed < size)
+            chars.resize(std::max(2 * chars.size(), charsUsed + size));
+        std::memcpy(static_cast<void*>(chars.data() + offset), text.data(), size_t(size) * sizeof(QChar));
+        charsUsed += size;
+        return offset;
+    }
     // Appends a node as the last child of `parent` (-1: the document element).
     int append(int parent, const Node& node);
 };
