@@ -3,6 +3,8 @@
 
 #include <QDomDocument>
 #include <QDomElement>
+#include <QXmlInputSource>
+#include <QXmlSimpleReader>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -364,8 +366,22 @@ KOmmlNodePtr readOmmlDocumentDom(const QString& xml)
 {
     if (!nestingWithinLimit(xml))
         return nullptr;
+    // The parser is set up as QDomDocument::setContent(QString) sets it up,
+    // except that it reports white-space-only text: run text of only a space
+    // is content, and the element tree drops the indentation itself.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    QXmlInputSource source;
+    source.setData(xml);
+    QXmlSimpleReader parser;
+    parser.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"), false);
+    parser.setFeature(QStringLiteral("http://xml.org/sax/features/namespace-prefixes"), true);
+    parser.setFeature(QStringLiteral("http://trolltech.com/xml/features/report-whitespace-only-CharData"),
+                      true);
     QDomDocument document;
-    if (!document.setContent(xml))
+    const bool parsed = document.setContent(&source, &parser);
+    QT_WARNING_POP
+    if (!parsed)
         return nullptr;
     return readOmmlElement(document.documentElement());
 }

@@ -67,6 +67,13 @@ bool allSpace(QStringView text)
     return true;
 }
 
+// Run text is character data: a run of nothing but a space (a thin space, a
+// quad) is content, not indentation, so it is kept below these elements.
+bool keepsWhiteSpace(QStringView tag)
+{
+    return tag == QLatin1String("m:t") || tag == QLatin1String("w:t");
+}
+
 // The two parsers read references outside the plain forms differently (the
 // streaming parser, for one, takes white space inside a character
 // reference); only "&#digits;", "&#xhex;" and the five predefined entities
@@ -279,13 +286,22 @@ public:
 
     int depth() const { return int(m_open.size()); }
 
+    // True when white-space-only text at this point is kept (inside run text).
+    bool keepsWhiteSpaceHere() const
+    {
+        if (m_open.empty())
+            return false;
+        const KXmlElementTree::Node& node = m_tree.nodes[size_t(m_open.back())];
+        return keepsWhiteSpace(m_tree.view(node.name, node.nameSize));
+    }
+
 private:
     void flushText()
     {
         if (m_pendingSize == 0)
             return;
         const QStringView text = m_tree.view(m_pending, m_pendingSize);
-        if (allSpace(text)) {
+        if (allSpace(text) && !keepsWhiteSpaceHere()) {
             m_tree.charsUsed = m_pending;
         } else {
             KXmlElementTree::Node node;
@@ -324,13 +340,18 @@ void copyDomNode(const QDomElement& element, int parent, KXmlElementTree& tree)
     }
     node.attributeEnd = int(tree.attributes.size());
     const int index = tree.append(parent, node);
+    const bool keepSpace = keepsWhiteSpace(name);
     for (QDomNode child = element.firstChild(); !child.isNull(); child = child.nextSibling()) {
         if (child.isElement()) {
             copyDomNode(child.toElement(), index, tree);
         } else if (child.isText()) { // CDATA sections are text nodes too
+            const QString value = child.nodeValue();
+            // Text that is only white space is indentation outside run text;
+            // CDATA sections are kept as they are.
+            if (!keepSpace && !child.isCDATASection() && allSpace(value))
+                continue;
             KXmlElementTree::Node text;
             text.isText = true;
-            const QString value = child.nodeValue();
             text.name = tree.store(value);
             text.nameSize = value.size();
             tree.append(index, text);
@@ -376,7 +397,8 @@ KXmlStreamResult readXmlElementTree(const QString& xml, int maxDepth, KXmlElemen
                 builder.cdata(reader.text());
                 break;
             }
-            if (text.hasCarriageReturn && !reader.isWhitespace() && raw().contains(QLatin1Char('\r')))
+            if (text.hasCarriageReturn && (!reader.isWhitespace() || builder.keepsWhiteSpaceHere()) &&
+                raw().contains(QLatin1Char('\r')))
                 return KXmlStreamResult::unsupported;
             builder.characters(reader.text());
             break;

@@ -98,11 +98,13 @@ enum class KXmlStreamResult {
 
 // Reads `xml` into `tree` with a QXmlStreamReader without namespace processing.
 // Character data that is nothing but white space (as QChar::isSpace sees it)
-// between two pieces of markup is dropped, as the DOM parser drops it; CDATA
-// sections are kept as they are. Elements nested deeper than maxDepth (the
+// between two pieces of markup is dropped as indentation, except directly
+// inside run text (m:t, w:t), where it is content; CDATA sections are kept as
+// they are. Elements nested deeper than maxDepth (the
 // document element being level 1) make the result tooDeep.
 KXmlStreamResult readXmlElementTree(const QString& xml, int maxDepth, KXmlElementTree& tree);
 
 // Copies the element of a parsed DOM document, with its subtree, into `tree`:
-// elements with their attributes, text and CDATA nodes; nothing else.
+// elements with their attributes, text and CDATA nodes; nothing else. Text
+// nodes that are only white space are dropped by the same rule as above.
 void copyDomElementTree(const QDomElement& element, KXmlElementTree& tree);

@@ -120,6 +120,9 @@ TEST(OmmlReaderAgainstDom, TextsAndWhiteSpace)
         "\U0001F600",
         QString(QChar(0x2003)) + "x",
         QString(QChar(0x3000)),
+        QString(QChar(0x2009)),
+        "&#x2009;",
+        "\r\n<![CDATA[ ]]>\r",
         "a\r\nb\rc",
         "]]&gt;",
     };
@@ -230,6 +233,27 @@ TEST(OmmlReaderAgainstDom, ReferencesAboveTheBmpNameTheirCharacter)
     }
     const QString chr = "<m:acc><m:accPr><m:chr m:val=\"&#x1F600;\"/></m:accPr></m:acc>";
     EXPECT_TRUE(modelText(readOmmlDocument(chr)).contains(QString::fromUtf16(u"m:val=\"\U0001F600\"")));
+}
+
+// Run text of only white space is content in both stages; indentation is not.
+TEST(OmmlReaderAgainstDom, WhiteSpaceRunTextIsKeptAlike)
+{
+    for (const QString tag : {"m:t", "w:t"}) {
+        KXmlElementTree tree;
+        const QString xml = "<w:r>\n <" + tag + "> </" + tag + ">\n <x>\t</x>\n</w:r>";
+        ASSERT_EQ(readXmlElementTree(xml, kMaxOmmlReadDepth, tree), KXmlStreamResult::read);
+        EXPECT_EQ(KXmlElement(&tree, 0).text(), " ") << tag.toStdString();
+    }
+    // A carriage return in run text is kept as written only by the DOM parser,
+    // so such text goes to it; in indentation it is dropped and streaming goes on.
+    const QString crInRunText = "<m:r><m:t>\r\n</m:t></m:r>";
+    EXPECT_FALSE(readsByStreaming(crInRunText));
+    EXPECT_EQ(modelText(readOmmlDocument(crInRunText)), modelText(readOmmlDocumentDom(crInRunText)));
+    EXPECT_TRUE(modelText(readOmmlDocument(crInRunText)).contains("<m:t>\r\n</m:t>"));
+    EXPECT_TRUE(readsByStreaming("<m:r>\r\n<m:t> </m:t>\r\n</m:r>"));
+    for (const QString xml : {"<?xml version=\"1.0\"?>\n<m:r>\n<m:t> </m:t>\n</m:r>\n",
+                              "<m:oMath> <m:r> <m:t>\u2009</m:t> </m:r> <m:r/> </m:oMath>"})
+        expectSameAsDom(xml);
 }
 
 TEST(OmmlReaderAgainstDom, EveryKind)

@@ -199,9 +199,34 @@ TEST(OmmlReader, WordProcessorShapedDocument)
         "    <m:r><m:t><![CDATA[<y>]]></m:t></m:r>\n  </m:oMath>\n</m:oMathPara>\n");
     const QString italicCtrl = "<m:ctrlPr><w:rPr>" + kFonts + "<w:i/></w:rPr></m:ctrlPr>";
     EXPECT_EQ(readDump(xml),
-              paragraphXml("left", equationXml(runXml("x ") + runXml("") + "<m:d><m:dPr>" + italicCtrl +
+              paragraphXml("left", equationXml(runXml("x ") + runXml("   ") + "<m:d><m:dPr>" + italicCtrl +
                                                "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/></m:dPr>" +
                                                el("m:e", runXml("a")) + "</m:d>" + runXml("&lt;y&gt;"))));
+}
+
+TEST(OmmlReader, RunTextOfOnlyWhiteSpaceIsKept)
+{
+    const QString thin(QChar(0x2009)), noBreak(QChar(0xA0));
+    const std::pair<QString, QString> cases[] = {
+        {bareRun(" "), runXml(" ")},
+        {bareRun(thin), runXml(thin)},
+        {bareRun(noBreak), runXml(noBreak)},
+        {bareRun("&#x2009;"), runXml(thin)},
+        {bareRun("\t \n"), runXml("\t \n")},
+        {"<m:r><m:t xml:space=\"preserve\"> </m:t></m:r>", runXml(" ")},
+        {bareRun(" <!-- c --> "), runXml("  ")},
+        {bareRun(" <u>x</u> "), runXml(" x ")},
+        {bareRun(""), runXml("")},
+        // Only text directly inside run text counts; deeper white space is still indentation.
+        {bareRun("<u> </u>"), runXml("")},
+        // Indentation between elements is dropped, also around run text.
+        {"<m:oMath>\n  <m:r>\n    <m:t> </m:t>\n  </m:r>\n  <m:r><m:t>b</m:t></m:r>\n</m:oMath>",
+         equationXml(runXml(" ") + runXml("b"))},
+        {"<m:f>\n <m:num>" + thin + "</m:num>\t<m:den> " + bareRun(thin) + " </m:den>\n</m:f>",
+         kind("f", kCtrl, "<m:num/>" + el("m:den", runXml(thin)))},
+    };
+    for (const auto& [xml, expected] : cases)
+        EXPECT_EQ(readDump(xml), expected) << xml.toStdString();
 }
 
 TEST(OmmlReader, UnreadableInputGivesNull)
