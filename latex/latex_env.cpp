@@ -102,7 +102,7 @@ KLatexNodePtr KLatexParser::parseEnv()
             if (KLatexNodePtr optional = parseBracketGroupAsExpr())
                 args.push_back(KLatexArg{true, std::move(optional)});
         } else if (peek().kind == TokenKind::LBrace) {
-            // Without braces the column specification is left to the body, so no cell is lost.
+            // Without braces the column layout is left to the body, so no cell is lost.
             args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
         }
     }

@@ -37,7 +37,7 @@ bool isUnitLetter(const Token& token)
            token.text.front().unicode() < 0x80;
 }
 
-// A colour model or specification as one text node, as the lexer delivers a colour name.
+// A colour model or colour value as one text node, as the lexer delivers a colour name.
 KLatexNodeList textNodes(const QString& text)
 {
     KLatexNodeList nodes;
@@ -134,15 +134,15 @@ KLatexArgs KLatexParser::parseCommandArgs(const QString& name)
     };
 
     KLatexArgs args;
-    // The lexer delivers a colour model and its specification ("[rgb]{1,0,0}") as one token; the
-    // specification is the mandatory argument that follows the model.
-    KLatexNodePtr pendingSpecification;
+    // The lexer delivers a colour model and its value ("[rgb]{1,0,0}") as one token; the
+    // value is the mandatory argument that follows the model.
+    KLatexNodePtr pendingColourValue;
     int mandatory = 0;
     for (const char* letter = commandSignature(name); *letter; ++letter) {
         switch (*letter) {
         case 'm': {
             KLatexNodePtr argument =
-                pendingSpecification ? std::move(pendingSpecification) : parseMandatoryArgument();
+                pendingColourValue ? std::move(pendingColourValue) : parseMandatoryArgument();
             if (argument)
                 args.push_back(KLatexArg{false, std::move(argument)});
             else
@@ -158,12 +158,12 @@ KLatexArgs KLatexParser::parseCommandArgs(const QString& name)
                 const int close = int(form.indexOf(QLatin1Char(']')));
                 args.push_back(KLatexArg{true, makeGroup(textNodes(form.mid(1, close - 1)))});
                 if (close + 1 < form.size()) {
-                    QString specification = form.mid(close + 1);
-                    if (specification.startsWith(QLatin1Char('{')))
-                        specification.remove(0, 1);
-                    if (specification.endsWith(QLatin1Char('}')))
-                        specification.chop(1);
-                    pendingSpecification = makeGroup(textNodes(specification.trimmed()));
+                    QString value = form.mid(close + 1);
+                    if (value.startsWith(QLatin1Char('{')))
+                        value.remove(0, 1);
+                    if (value.endsWith(QLatin1Char('}')))
+                        value.chop(1);
+                    pendingColourValue = makeGroup(textNodes(value.trimmed()));
                 }
             }
             break;

@@ -31,7 +31,7 @@ const QString kDeclarations =
     QStringLiteral("xmlns:m=\"http://schemas.openxmlformats.org/officeDocument/2006/math\" "
                    "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\" "
                    "xmlns:mc=\"http://schemas.openxmlformats.org/markup-compatibility/2006\" "
-                   "xmlns:w14=\"http://schemas.microsoft.com/office/word/2010/wordml\" mc:Ignorable=\"w14\"");
+                   "xmlns:w14=\"urn:example:wordprocessing-extensions\" mc:Ignorable=\"w14\"");
 
 // A paragraph as a word processor saves it: declaration, CRLF line ends,
 // indentation, namespaced run properties, xml:space, markup compatibility
