@@ -115,32 +115,41 @@ inline QString ctrlOf(const Look& look)
 
 inline const QString kCtrl = ctrl();
 
+// An element `name` with its properties element holding `pr`, then its parts in order.
+inline QString element(const QString& name, const QString& pr,
+                       const std::vector<std::pair<QString, QString>>& parts)
+{
+    QString xml = wrap("m:" + name + "Pr", pr);
+    for (const auto& [part, content] : parts)
+        xml += wrap("m:" + part, content);
+    return wrap("m:" + name, xml);
+}
+
 inline QString frac(const QString& num, const QString& den, const QString& type = QString(),
                     const QString& ctrlXml = kCtrl)
 {
     const QString typeXml = type.isEmpty() ? QString() : val("m:type", type);
-    return wrap("m:f", wrap("m:fPr", typeXml + ctrlXml) + wrap("m:num", num) + wrap("m:den", den));
+    return element("f", typeXml + ctrlXml, {{"num", num}, {"den", den}});
 }
 
 inline QString sSup(const QString& e, const QString& sup)
 {
-    return wrap("m:sSup", wrap("m:sSupPr", kCtrl) + wrap("m:e", e) + wrap("m:sup", sup));
+    return element("sSup", kCtrl, {{"e", e}, {"sup", sup}});
 }
 
 inline QString sSub(const QString& e, const QString& sub)
 {
-    return wrap("m:sSub", wrap("m:sSubPr", kCtrl) + wrap("m:e", e) + wrap("m:sub", sub));
+    return element("sSub", kCtrl, {{"e", e}, {"sub", sub}});
 }
 
 inline QString sSubSup(const QString& e, const QString& sub, const QString& sup)
 {
-    return wrap("m:sSubSup",
-                wrap("m:sSubSupPr", kCtrl) + wrap("m:e", e) + wrap("m:sub", sub) + wrap("m:sup", sup));
+    return element("sSubSup", kCtrl, {{"e", e}, {"sub", sub}, {"sup", sup}});
 }
 
 inline QString d(const QString& beg, const QString& end, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:d", wrap("m:dPr", ctrlXml + val("m:begChr", beg) + val("m:endChr", end)) + wrap("m:e", e));
+    return element("d", ctrlXml + val("m:begChr", beg) + val("m:endChr", end), {{"e", e}});
 }
 
 // A radical; a null `deg` means no degree (an empty m:deg element).
@@ -154,31 +163,30 @@ inline QString rad(const QString& e, const QString& deg, bool degHide, const QSt
 inline QString nary(const QString& chr, bool undOvr, bool subHide, bool supHide, const QString& sub,
                     const QString& sup, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:nary",
-                wrap("m:naryPr", ctrlXml + val("m:chr", chr) + val("m:limLoc", undOvr ? "undOvr" : "subSup") +
-                                     val("m:subHide", subHide ? "on" : "off") +
-                                     val("m:supHide", supHide ? "on" : "off")) +
-                    wrap("m:sub", sub) + wrap("m:sup", sup) + wrap("m:e", e));
+    return element("nary",
+                   ctrlXml + val("m:chr", chr) + val("m:limLoc", undOvr ? "undOvr" : "subSup") +
+                       val("m:subHide", subHide ? "on" : "off") + val("m:supHide", supHide ? "on" : "off"),
+                   {{"sub", sub}, {"sup", sup}, {"e", e}});
 }
 
 inline QString func(const QString& fName, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:func", wrap("m:funcPr", ctrlXml) + wrap("m:fName", fName) + wrap("m:e", e));
+    return element("func", ctrlXml, {{"fName", fName}, {"e", e}});
 }
 
 inline QString limLow(const QString& e, const QString& lim, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:limLow", wrap("m:limLowPr", ctrlXml) + wrap("m:e", e) + wrap("m:lim", lim));
+    return element("limLow", ctrlXml, {{"e", e}, {"lim", lim}});
 }
 
 inline QString limUpp(const QString& e, const QString& lim, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:limUpp", wrap("m:limUppPr", ctrlXml) + wrap("m:e", e) + wrap("m:lim", lim));
+    return element("limUpp", ctrlXml, {{"e", e}, {"lim", lim}});
 }
 
 inline QString bar(const QString& pos, const QString& e)
 {
-    return wrap("m:bar", wrap("m:barPr", val("m:pos", pos)) + wrap("m:e", e));
+    return element("bar", val("m:pos", pos), {{"e", e}});
 }
 
 // A matrix with the columns given by their justifications; every column counts 1
@@ -202,10 +210,10 @@ inline QString matrix(const QStringList& columns, const std::vector<QStringList>
 
 inline QString eqArr(const QStringList& rows, const QString& ctrlXml = kCtrl)
 {
-    QString xml = wrap("m:eqArrPr", ctrlXml);
+    std::vector<std::pair<QString, QString>> lines;
     for (const QString& line : rows)
-        xml += wrap("m:e", line);
-    return wrap("m:eqArr", xml);
+        lines.push_back({"e", line});
+    return element("eqArr", ctrlXml, lines);
 }
 
 // `flags`: the switches that are on, in writing order; `hidden` puts the four
@@ -218,7 +226,7 @@ inline QString borderBox(const QStringList& flags, const QString& e, const QStri
         (hidden ? QStringList{"hideTop", "hideBot", "hideLeft", "hideRight"} : QStringList()) + flags;
     for (const QString& flag : all)
         flagsXml += val("m:" + flag, "1");
-    return wrap("m:borderBox", wrap("m:borderBoxPr", ctrlXml + flagsXml) + wrap("m:e", e));
+    return element("borderBox", ctrlXml + flagsXml, {{"e", e}});
 }
 
 inline QString frame(const QString& e, const QString& ctrlXml = kCtrl)
@@ -228,30 +236,29 @@ inline QString frame(const QString& e, const QString& ctrlXml = kCtrl)
 
 inline QString box(const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:box", wrap("m:boxPr", ctrlXml + val("m:noBreak", "on")) + wrap("m:e", e));
+    return element("box", ctrlXml + val("m:noBreak", "on"), {{"e", e}});
 }
 
 inline QString acc(const QString& chr, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:acc", wrap("m:accPr", val("m:chr", chr) + ctrlXml) + wrap("m:e", e));
+    return element("acc", val("m:chr", chr) + ctrlXml, {{"e", e}});
 }
 
 inline QString groupChr(const QString& chr, const QString& pos, const QString& vertJc, const QString& e,
                         const QString& ctrlXml = kCtrl)
 {
-    return wrap("m:groupChr", wrap("m:groupChrPr", ctrlXml + val("m:chr", chr) + val("m:pos", pos) +
-                                                       val("m:vertJc", vertJc)) +
-                                  wrap("m:e", e));
+    return element("groupChr", ctrlXml + val("m:chr", chr) + val("m:pos", pos) + val("m:vertJc", vertJc),
+                   {{"e", e}});
 }
 
 inline QString phant(const QString& e)
 {
-    return wrap("m:phant", wrap("m:phantPr", kCtrl) + wrap("m:e", e));
+    return element("phant", kCtrl, {{"e", e}});
 }
 
 inline QString sPre(const QString& e, const QString& sub, const QString& sup)
 {
-    return wrap("m:sPre", wrap("m:sPrePr", kCtrl) + wrap("m:sub", sub) + wrap("m:sup", sup) + wrap("m:e", e));
+    return element("sPre", kCtrl, {{"sub", sub}, {"sup", sup}, {"e", e}});
 }
 
 // The XML of a converter result: each node written in turn.

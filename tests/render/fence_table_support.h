@@ -3,8 +3,7 @@
 // layouts: OMML elements as a user's formula would produce them, and the sizes
 // a run takes in the font the renderer resolves.
 
-#include "omml/omml_model.h"
-#include "render/layout_engine.h"
+#include "render_test_support.h"
 
 #include <QPainterPath>
 #include <QString>
@@ -15,19 +14,8 @@
 
 namespace fence_test {
 
-inline KOmmlNodePtr run(const QString& text)
-{
-    ORun r;
-    r.text = text;
-    return makeOmmlNode(std::move(r));
-}
-
-inline KOmmlNodeList runs(const QString& text)
-{
-    KOmmlNodeList list;
-    list.push_back(run(text));
-    return list;
-}
+using rendertest::run;
+using rendertest::runs;
 
 // What a run of `text` measures in `context`: advance plus 0.1 S between characters.
 inline double runWidth(const KLayoutContext& context, const QString& text)

@@ -98,24 +98,6 @@ TEST(SvgDocument, SizeIsRoundedHalfUpAndTheViewBoxKeepsTheExactSize)
     EXPECT_TRUE(KSvgBuilder().build(nullptr).isEmpty());
 }
 
-TEST(SvgPainting, GlyphCharactersAreATenthOfTheSizeFurtherApartThanTheirAdvances)
-{
-    const QFont font = [] {
-        QFont f(QStringLiteral("Times New Roman"));
-        f.setPointSizeF(10);
-        return f;
-    }();
-    const double advance = QFontMetricsF(font).horizontalAdvance(QLatin1Char('a'));
-    auto together = rootOf(30, 20);
-    together->addChild(glyph(QStringLiteral("ab"), 10, 3));
-    auto apart = rootOf(30, 20);
-    apart->addChild(glyph(QStringLiteral("a"), 10, 3));
-    apart->addChild(glyph(QStringLiteral("b"), 10, 3 + advance + 1.0));
-    const QStringList paths = pathsOf(KSvgBuilder().build(together.get()));
-    EXPECT_EQ(paths.size(), 2);
-    EXPECT_TRUE(paths == pathsOf(KSvgBuilder().build(apart.get())));
-}
-
 // The SVG of one glyph node holding `text`, and of the same characters as separate nodes
 // placed where the run should put them: each one its own advance plus 1 pt (a tenth of 10 pt)
 // after the previous.
@@ -151,6 +133,7 @@ TEST(SvgPainting, SurrogatePairIsOneCharacterAndLoneSurrogatesAreOneUnitEach)
         QString text;
         QStringList characters;
     } cases[] = {
+        {QStringLiteral("ab"), {QStringLiteral("a"), QStringLiteral("b")}},
         {QStringLiteral("a") + pair + QStringLiteral("b"), {QStringLiteral("a"), pair, QStringLiteral("b")}},
         {QString::fromUtf16(u"\U0001D538\U0001F600"),
          {QString::fromUtf16(u"\U0001D538"), QString::fromUtf16(u"\U0001F600")}},
@@ -308,34 +291,22 @@ TEST(SvgPainting, NonFiniteCoordinatesSkipTheDrawingButNotTheWalk)
     }
 }
 
-// Characters the serif face lacks come from a fallback face with math coverage, not as empty boxes.
+// Characters the serif face lacks, inside and outside the Basic Multilingual Plane, come whole from a
+// fallback face with math coverage, not as empty boxes.
 TEST(Fonts, MathCharactersResolveThroughAFallbackFace)
 {
     const KGlyphFont& font = glyphFont(QStringLiteral("Times New Roman"), 12, false, false);
     const QPainterPath missing = font.glyphPath(u"\xFFFF", 0, 0); // a noncharacter: no face has it
-    for (const char16_t c : {u'\u2211', u'\u2208', u'\u2264', u'\u2202', u'\u2207', u'\u2297', u'\u03B1'}) {
-        const QPainterPath path = font.glyphPath(QStringView(&c, 1), 0, 0);
-        EXPECT_FALSE(path.isEmpty()) << int(c);
-        EXPECT_NE(path, missing) << int(c);
-        EXPECT_GT(font.advance(QStringView(&c, 1)), 0) << int(c);
-        EXPECT_GT(font.metrics().horizontalAdvance(QChar(c)), 0) << int(c);
-    }
-}
-
-// Letters outside the Basic Multilingual Plane come from a math face too, whole.
-TEST(Fonts, MathAlphanumericsOutsideTheBasicPlaneHaveOutlines)
-{
-    const KGlyphFont& font = glyphFont(QStringLiteral("Times New Roman"), 12, false, false);
-    const QPainterPath missing = font.glyphPath(u"\xFFFF", 0, 0);
-    for (const char16_t* text : {u"\U0001D465", u"\U0001D538", u"\U0001D6FC"}) {
+    for (const char16_t* text : {u"\u2211", u"\u2208", u"\u2264", u"\u2202", u"\u2207", u"\u2297", u"\u03B1",
+                                 u"\U0001D465", u"\U0001D538", u"\U0001D6FC"}) {
         const QString character = QString::fromUtf16(text);
-        ASSERT_EQ(character.size(), 2);
         const QPainterPath path = font.glyphPath(character, 0, 0);
         EXPECT_FALSE(path.isEmpty()) << qPrintable(character);
         EXPECT_NE(path, missing) << qPrintable(character);
-        EXPECT_NE(path, font.glyphPath(character.left(1), 0, 0)) << qPrintable(character);
-        EXPECT_NEAR(font.advance(character), font.metrics().horizontalAdvance(character), 1e-9);
         EXPECT_GT(font.advance(character), 0) << qPrintable(character);
+        if (character.size() == 2) {
+            EXPECT_NE(path, font.glyphPath(character.left(1), 0, 0)) << qPrintable(character);
+        }
     }
 }
 

@@ -80,28 +80,6 @@ TEST(MatrixLayout, ColumnsTakeTheirWidestCellAndTheirJustification)
     EXPECT_NEAR(node->children[5]->x, slot3 + pad, kEps);
 }
 
-TEST(MatrixLayout, EveryJustificationPlacesANarrowCellInAWideColumn)
-{
-    const KLayoutContext context = makeLayoutContext(10);
-    const double narrow = runWidth(context, "1");
-    const double wide = runWidth(context, "12345");
-    struct Case {
-        OColumnJustification j;
-        double x;
-    } cases[] = {{OColumnJustification::left, 1.5},
-                 {OColumnJustification::center, 1.5 + (wide - narrow) / 2},
-                 {OColumnJustification::right, 1.5 + wide - narrow}};
-    for (const Case& c : cases) {
-        std::vector<OMatrixRow> rows;
-        rows.push_back(cells({"1"}));
-        rows.push_back(cells({"12345"}));
-        const KTypoNodePtr node = layoutMatrixOf(context, std::move(rows), {c.j});
-        ASSERT_TRUE(node);
-        EXPECT_NEAR(node->children[0]->x, c.x, kEps) << int(c.j);
-        EXPECT_NEAR(node->children[1]->x, 1.5, kEps);
-    }
-}
-
 TEST(MatrixLayout, EmptyRowTakesTheRoomOfALine)
 {
     const double size = 10;
