@@ -7,6 +7,13 @@ namespace {
 const QString kLineBreak = QStringLiteral("\\\\");
 const QString kStarredLineBreak = QStringLiteral("\\\\*");
 
+// A fence after \left or \right; a letter used as a fence must not run into the
+// command name (\left x, not \leftx).
+QString spacedFence(const QString& fence)
+{
+    return !fence.isEmpty() && fence.front().isLetter() ? QLatin1Char(' ') + fence : fence;
+}
+
 // Letters and digits count per UTF-16 code unit, as the lexer reads them: a
 // surrogate is neither, so a character outside the BMP never joins a control word.
 bool isLetter(QChar c)
@@ -280,7 +287,7 @@ QString KLatexWriter::print(const KLatexCommand& command)
                 if (!inner.contains(QLatin1Char('{')) && !inner.contains(QLatin1Char('}')))
                     delimiter = inner;
             }
-            result += delimiter;
+            result += spacedFence(delimiter);
         }
         m_lastClass = OutputClass::other;
         return result;
@@ -386,8 +393,8 @@ QString KLatexWriter::print(const KLatexLeftRight& leftRight)
     const QString body = node(leftRight.body.get());
     m_lastClass = OutputClass::other;
     if (leftRight.useLeftRight)
-        return QStringLiteral("\\left") + leftRight.left + QLatin1Char(' ') + body + QLatin1Char(' ') +
-               QStringLiteral("\\right") + leftRight.right;
+        return QStringLiteral("\\left") + spacedFence(leftRight.left) + QLatin1Char(' ') + body +
+               QLatin1Char(' ') + QStringLiteral("\\right") + spacedFence(leftRight.right);
     return leftRight.left + body + leftRight.right;
 }
 

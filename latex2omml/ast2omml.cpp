@@ -384,17 +384,31 @@ KOmmlNodeList KLatexAst2Omml::convertScript(const KLatexScript& script)
     return element ? makeOmmlList(std::move(element)) : KOmmlNodeList();
 }
 
+namespace {
+
+// The fence for a \left or \right token. A token outside the delimiter map still
+// fences its body, so that neither the body nor the fence a reader sees is lost: a
+// command the command table gives a character for (\uparrow, \Vert) is fenced by
+// that character, and any other single character (\left x) by itself. Only a
+// command with no character of its own (an unknown name) leaves that side open.
+QString fenceFor(const QString& token)
+{
+    if (const QString* fence = lookupDelimiter(token))
+        return *fence;
+    if (token.startsWith(QLatin1Char('\\'))) {
+        const KLatexSymbol* entry = lookupCommand(token.mid(1));
+        return entry && QStringView(entry->text).toUcs4().size() == 1 ? entry->text : QString();
+    }
+    return QStringView(token).toUcs4().size() == 1 ? token : QString();
+}
+
+} // namespace
+
 KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
 {
-    const QString* left = lookupDelimiter(fence.left);
-    if (!left)
-        return {};
-    const QString* right = lookupDelimiter(fence.right);
-    if (!right)
-        return {};
     ODelimiter delimiter;
-    delimiter.begChr = *left;
-    delimiter.endChr = *right;
+    delimiter.begChr = fenceFor(fence.left);
+    delimiter.endChr = fenceFor(fence.right);
     delimiter.e = convert(fence.body.get());
     return makeOmmlList(makeOmmlNode(std::move(delimiter)));
 }

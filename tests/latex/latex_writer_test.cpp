@@ -83,6 +83,7 @@ TEST(LatexWriter, PrintsWholeTrees)
         // \left and \right print their first argument, unwrapping a braced delimiter.
         {cmd("right", arg(cmd("rangle"))), "\\right\\rangle"},
         {cmd("left", arg(t("{"))), "\\left\\{"},
+        {cmd("left", arg(t("x"))), "\\left x"},
         {cmd("left", arg(makeLeftRight("{", "}", group(t("("), cmd("space_normal")), false))), "\\left("},
         {cmd("left", arg(makeLeftRight("{", "}", group(), false))), "\\left"},
         {cmd("right", arg(makeLeftRight("{", "}", makeLeftRight("{", "}", t("x"), false), false))),

@@ -24,8 +24,9 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"x_i", sSub(r("x"), r("i"))}, LatexCase{"x_i^2", sSubSup(r("x"), r("i"), r("2"))},
         LatexCase{"_3^2", sSubSup(kNone, r("3"), r("2"))},
         LatexCase{"\\alpha^2", sSup(r(QStringLiteral("\u03B1")), r("2"))},
-        LatexCase{"\\left( x \\right.", d("(", "", r("x"))}, LatexCase{"\\left\\uparrow x \\right)", kNone},
-        LatexCase{"\\left( x \\right\\downarrow", kNone},
+        LatexCase{"\\left( x \\right.", d("(", "", r("x"))}, LatexCase{"\\left\\uparrow x \\right)", d(QStringLiteral("\u2191"), ")", r("x"))},
+        LatexCase{"\\left( x \\right\\downarrow", d("(", QStringLiteral("\u2193"), r("x"))},
+        LatexCase{"\\left x\\right y", d("x", "y", kNone)},
         LatexCase{"\\left\\{ x \\right\\}", d("{", "}", r("x"))},
         LatexCase{"\\left< x \\right>", d(QStringLiteral("\u27E8"), QStringLiteral("\u27E9"), r("x"))},
         LatexCase{"\\left\\lgroup\\right\\|", d(QStringLiteral("\u27EE"), QStringLiteral("\u2016"), kNone)}));

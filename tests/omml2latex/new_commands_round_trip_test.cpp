@@ -59,6 +59,8 @@ INSTANTIATE_TEST_SUITE_P(
         RoundTripCase{"\\boxplus\\boxminus\\boxdot\\circledast\\circledcirc\\circleddash", "\u229E"},
         RoundTripCase{"a\\shortmid b\\nshortmid c", "\u2224"}, RoundTripCase{"\\idotsint f", "\u22EF"},
         RoundTripCase{"\\smallmatrix{a}", "<m:m>"}, RoundTripCase{"\\bm{x}\\mathnormal{y}", "m:val=\"bi\""},
+        RoundTripCase{"\\left\\uparrow \\frac{a}{b} \\right\\Downarrow", "m:val=\"\u2191\""},
+        RoundTripCase{"\\left x \\frac{a}{b} \\right y", "m:val=\"x\""},
         RoundTripCase{"\\widecheck{x}", "<m:acc>"}, RoundTripCase{"\\wideparen{xy}", "<m:groupChr>"},
         RoundTripCase{"\\framebox{x}", "<m:borderBox>"}, RoundTripCase{"\\makebox{x}", "<m:box>"},
         RoundTripCase{"\\bbox[border:1px]{x}", "<m:borderBox>"},
