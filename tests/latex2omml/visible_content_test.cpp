@@ -22,23 +22,19 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(LatexCase{"\\operatorname*{arg\\,max}_x f",
                                 func(limLow(rp(QStringLiteral("arg\u2009max")), x), r("f"))},
                       LatexCase{"\\operatorname*{sup}_a^b", func(limUpp(limLow(rp("sup"), a), b), kNone)},
-                      LatexCase{"\\operatorname*{lcm}", func(limLow(rp("lcm"), kNone), kNone)},
                       LatexCase{"\\lcm x", func(limLow(rp("lcm"), kNone), x)},
                       LatexCase{"\\ensuremath{\\eta}", r(QStringLiteral("\u03B7"))},
                       LatexCase{"\\dbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
-                      LatexCase{"\\tbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
                       LatexCase{"\\nicefrac{1}{2}", frac(r("1"), r("2"), "skw")},
-                      LatexCase{"\\unitfrac{m}{s}", frac(r("m"), r("s"), "skw")},
                       LatexCase{"\\substack{i<j\\\\k}", eqArr({r("i&lt;j"), r("k")})},
                       LatexCase{"\\sum_{\\substack{a\\\\b\\\\}}",
                                 nary(kSum, false, false, true, eqArr({a, b}), kNone, kNone)},
-                      LatexCase{"\\substack{a}", a}, LatexCase{"\\substack{}", kNone},
+                      LatexCase{"\\substack{a}", a},
                       LatexCase{"\\phantom{x}\\hphantom{a}\\vphantom{b}", phant(x) + phant(a) + phant(b)},
                       LatexCase{"\\smallmatrix{a}", matrix({"center"}, {{a}})},
                       LatexCase{"\\begin{gathered}a\\\\b\\end{gathered}", eqArr({a, b})},
                       LatexCase{"\\begin{eqnarray}a&=&b\\end{eqnarray}",
-                                matrix({"right", "left", "right"}, {{a, r("="), b}})},
-                      LatexCase{"\\begin{flalign*}a\\end{flalign*}", matrix({"right"}, {{a}})}));
+                                matrix({"right", "left", "right"}, {{a, r("="), b}})}));
 
 INSTANTIATE_TEST_SUITE_P(
     Symbols, LatexToOmml,
@@ -48,8 +44,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\idotsint", r(QStringLiteral("\u222B\u22EF\u222B"))},
         LatexCase{"\\unicode{x2208}\\unicode{8712}\\unicode{X2209}", r(QStringLiteral("\u2208\u2208\u2209"))},
         LatexCase{"\\unicode{x1D400}", r(QString::fromUtf8("\xF0\x9D\x90\x80"))},
-        LatexCase{"\\unicode{xD800}\\unicode{x110000}", r("xD800x110000")},
-        LatexCase{"\\unicode{zz}", r("zz")}, LatexCase{"\\unicode{}", kNone}));
+        LatexCase{"\\unicode{xD800}\\unicode{x110000}", r("xD800x110000")}));
 
 INSTANTIATE_TEST_SUITE_P(
     StylesAndMarks, LatexToOmml,
@@ -62,17 +57,15 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"\\tag{1.2}", u("(1.2)")}, LatexCase{"x\\eqref{a}\\ref{b}", x + u("(a)b")},
                       LatexCase{"x\\label{a}\\nonumber\\notag\\allowbreak\\nobreak", x}));
 
-INSTANTIATE_TEST_SUITE_P(
-    Chemistry, LatexToOmml,
-    ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
-                      LatexCase{"\\ce{2NaCl}", u("2NaCl")}, LatexCase{"\\ce{Na12}", sSub(u("Na"), u("12"))},
-                      LatexCase{"\\ce{A->B<=>C}", u(QStringLiteral("A\u2192B\u21CCC"))},
-                      LatexCase{"\\ce{Fe^{3+}}", sSup(u("Fe"), u("3+"))},
-                      LatexCase{"\\ce{SO4^{2-}}", u("S") + sSubSup(u("O"), u("4"), u("2-"))},
-                      LatexCase{"\\ce{(OH)2}", u("(OH") + sSub(u(")"), u("2"))},
-                      LatexCase{"\\ce{e^-}", sSup(u("e"), u("-"))},
-                      LatexCase{"\\ce{\\alpha}", u(QStringLiteral("\u03B1"))}, LatexCase{"\\ce{}", kNone},
-                      LatexCase{"\\pu{kJ/mol}", u("kJ/mol")}));
+INSTANTIATE_TEST_SUITE_P(Chemistry, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
+                                           LatexCase{"\\ce{Na12}", sSub(u("Na"), u("12"))},
+                                           LatexCase{"\\ce{A->B<=>C}", u(QStringLiteral("A\u2192B\u21CCC"))},
+                                           LatexCase{"\\ce{Fe^{3+}}", sSup(u("Fe"), u("3+"))},
+                                           LatexCase{"\\ce{SO4^{2-}}",
+                                                     u("S") + sSubSup(u("O"), u("4"), u("2-"))},
+                                           LatexCase{"\\ce{(OH)2}", u("(OH") + sSub(u(")"), u("2"))},
+                                           LatexCase{"\\pu{kJ/mol}", u("kJ/mol")}));
 
 // An unknown command stays visible as its name and keeps what it was given.
 INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
@@ -82,36 +75,29 @@ INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
 
 // Commands the parser does not know but the command table does convert by their row:
 // what TeX shows, never their name.
-INSTANTIATE_TEST_SUITE_P(
-    CommandsUnknownToTheParser, LatexToOmml,
-    ::testing::Values(
-        LatexCase{"\\varphi\\colon[0,1]\\to[0,1]", r(QStringLiteral("\u03C6:[0,1]\u2192[0,1]"))},
-        LatexCase{"\\colon{x}", r(":x")}, LatexCase{"a\\hdots b", r(QStringLiteral("a\u2026b"))},
-        LatexCase{"a\\textsubscript{r}", a + sSub(kNone, r("r"))},
-        LatexCase{"x\\textsuperscript{th}", x + sSup(kNone, r("th"))}, LatexCase{"\\textsuperscript", kNone},
-        LatexCase{"\\bold{x}", r("x", sty("b"))}, LatexCase{"\\smash{x}", x},
-        LatexCase{"\\smash[t]{x}", r("[t]x")}, LatexCase{"\\sgn x", func(rp("sgn"), x)},
-        LatexCase{"\\sen^2 x", func(sSup(rp("sen"), r("2")), x)},
-        LatexCase{"\\Mu\\Nu\\Omicron\\Digamma\\Koppa\\Sampi\\Stigma\\Coppa",
-                  r(QStringLiteral("MNO\u03DC\u03DE\u03E0\u03DA\u03D8"))},
-        LatexCase{"\\o\\O\\euro 5", r(QStringLiteral("\u00F8\u00D8\u20AC5"))},
-        LatexCase{"\\Rrightarrow\\Lleftarrow", r(QStringLiteral("\u21DB\u21DA"))},
-        LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
-        LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))}, LatexCase{"a\\eqno(1)", r("a(1)")},
-        LatexCase{"\\uppercase{h}\\MakeLowercase{AB}", r("Hab")}, LatexCase{"\\uppercase{}", kNone},
-        LatexCase{"\\uppercase{\\frac{a}{b}c}", frac(a, b) + r("C")},
-        LatexCase{"\\l\\L\\empty\\dotplus\\divideontimes",
-                  r(QStringLiteral("\u0142\u0141\u2205\u2214\u22C7"))}));
+INSTANTIATE_TEST_SUITE_P(CommandsUnknownToTheParser, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\varphi\\colon[0,1]\\to[0,1]",
+                                                     r(QStringLiteral("\u03C6:[0,1]\u2192[0,1]"))},
+                                           LatexCase{"a\\hdots b", r(QStringLiteral("a\u2026b"))},
+                                           LatexCase{"a\\textsubscript{r}", a + sSub(kNone, r("r"))},
+                                           LatexCase{"x\\textsuperscript{th}", x + sSup(kNone, r("th"))},
+                                           LatexCase{"\\bold{x}", r("x", sty("b"))},
+                                           LatexCase{"\\smash{x}", x}, LatexCase{"\\smash[t]{x}", r("[t]x")},
+                                           LatexCase{"\\sgn x", func(rp("sgn"), x)},
+                                           LatexCase{"\\sen^2 x", func(sSup(rp("sen"), r("2")), x)},
+                                           LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
+                                           LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))},
+                                           LatexCase{"a\\eqno(1)", r("a(1)")},
+                                           LatexCase{"\\uppercase{h}\\MakeLowercase{AB}", r("Hab")},
+                                           LatexCase{"\\uppercase{\\frac{a}{b}c}", frac(a, b) + r("C")}));
 
 // Size and weight switches show nothing of their own; what follows them stays.
 INSTANTIATE_TEST_SUITE_P(SwitchesWithoutContent, LatexToOmml,
-                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"\\scriptsize th", r("th")},
-                                           LatexCase{"a\\footnotesize b", r("ab")},
+                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"a\\footnotesize b", r("ab")},
                                            LatexCase{"a\\Huge{b}", r("ab")},
                                            LatexCase{"\\mathrm{\\small T}", r("T", sty("p"))},
-                                           LatexCase{"{\\large}", kNone}, LatexCase{"\\footnotesize", kNone},
+                                           LatexCase{"{\\large}", kNone},
                                            LatexCase{"\\boldmath x\\unboldmath", x},
-                                           LatexCase{"\\normalfont\\protect\\sl x", x},
                                            LatexCase{"\\scriptsize\\frac{a}{b}", frac(a, b)}));
 
 TEST(VisibleContent, UnknownCommandArgumentsInRenderMode)
@@ -135,7 +121,6 @@ TEST(VisibleContent, CommandsWithManyArguments)
     const QString fab = frac(a, b), noBar = frac(a, b, nobar);
     EXPECT_EQ(genfrac("(", ")", "0pt"), d("(", ")", noBar));
     EXPECT_EQ(genfrac("", "", ""), fab);
-    EXPECT_EQ(genfrac("[", "]", "1pt"), d("[", "]", fab));
     EXPECT_EQ(genfrac(".", "|", "0.0em"), d("", "|", noBar));
     EXPECT_EQ(convertTree(command("genfrac", arg(group(command("langle"))), arg(group(command("}"))),
                                   braced("0"), braced(""), braced("a"), braced("b"))),
@@ -145,8 +130,6 @@ TEST(VisibleContent, CommandsWithManyArguments)
 
     EXPECT_EQ(convertTree(command("unitfrac", arg(group(text("3")), true), braced("m"), braced("s"))),
               r("3") + frac(r("m"), r("s"), "skw"));
-    EXPECT_EQ(convertTree(command("nicefrac", arg(group(text("it")), true), braced("1"), braced("2"))),
-              frac(r("1"), r("2"), "skw"));
     EXPECT_EQ(convertTree(command("frac", arg(group(text("3")), true), braced("1"), braced("2"))), kNone);
 
     EXPECT_EQ(convertTree(command("fcolorbox", braced("red"), braced("blue"), braced("x"))), frame(x));
@@ -155,7 +138,6 @@ TEST(VisibleContent, CommandsWithManyArguments)
     EXPECT_EQ(convertTree(command("makebox", arg(text("2cm"), true), braced("x"))), box(x));
     EXPECT_EQ(convertTree(command("multicolumn", braced("2"), braced("c"), braced("x"))), x);
     EXPECT_EQ(convertTree(command("definecolor", braced("a"), braced("rgb"), braced("1,0,0"))), kNone);
-    EXPECT_EQ(convertTree(command("colorlet", braced("a"), braced("red"))), kNone);
 }
 
 TEST(VisibleContent, EnclosureNotations)
@@ -163,11 +145,8 @@ TEST(VisibleContent, EnclosureNotations)
     auto enclose = [](const char* notation) {
         return convertTree(command("enclose", braced(notation), arg(text("color:red"), true), braced("x")));
     };
-    const QStringList noStrike;
     EXPECT_EQ(enclose("circle"), frame(x));
-    EXPECT_EQ(enclose("roundedbox"), frame(x));
     EXPECT_EQ(enclose("updiagonalstrike"), borderBox({"strikeBLTR"}, x));
-    EXPECT_EQ(enclose("downdiagonalstrike"), borderBox({"strikeTLBR"}, x));
     EXPECT_EQ(enclose("horizontalstrike,verticalstrike"), borderBox({"strikeH", "strikeV"}, x));
     EXPECT_EQ(enclose("box horizontalstrike"), borderBox({"strikeH"}, x, kCtrl, false));
     // The lexer drops the spaces between notations; they are still found.
@@ -184,7 +163,6 @@ TEST(VisibleContent, MiddleDelimiterAndSideScripts)
             "(", ")", group(text("a"), command("middle", arg(std::move(fence))), text("b")), true));
     };
     EXPECT_EQ(middle(text("|")), d("(", ")", r("a|b")));
-    EXPECT_EQ(middle(command("vert")), d("(", ")", r("a|b")));
     EXPECT_EQ(middle(command("|")), d("(", ")", r(QStringLiteral("a\u2016b"))));
     EXPECT_EQ(middle(text(".")), d("(", ")", r("ab")));
     EXPECT_EQ(convertTree(command("middle")), kNone);
