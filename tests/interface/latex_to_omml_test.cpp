@@ -3,7 +3,6 @@
 #include "interface/converter_helper.h"
 #include "tests/latex2omml/omml_text.h"
 
-#include <QThread>
 #include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
@@ -59,29 +58,6 @@ TEST(LatexToOmml, ControlCharactersNeverBreakTheXml)
             reader.readNext();
         EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
     }
-}
-
-TEST(LatexToOmml, ConcurrentConversionsAgree)
-{
-    const QString inputs[] = {"\\frac{a}{b}", "\\int\\limits_0^1 f", "\\binom{n}{k}", "\\sqrt[3]{x}"};
-    std::vector<QString> sequential;
-    for (const QString& input : inputs)
-        sequential.push_back(latexToOmml(input));
-    std::vector<QString> parallel(4);
-    std::vector<QThread*> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.push_back(QThread::create([&, t] {
-            for (int round = 0; round < 50; ++round)
-                parallel[t] = latexToOmml(inputs[t]);
-        }));
-        threads.back()->start();
-    }
-    for (QThread* thread : threads) {
-        thread->wait();
-        delete thread;
-    }
-    for (int t = 0; t < 4; ++t)
-        EXPECT_EQ(parallel[t], sequential[t]);
 }
 
 } // namespace
