@@ -124,7 +124,7 @@ TEST(ConverterCore, DeepNestingStopsAtTheLimit)
     EXPECT_EQ(convertTree(nestedGroups(2 * limit)), kNone);
     KLatexNodePtr scripts = text("x");
     for (int i = 0; i < 2 * limit; ++i)
-        scripts = sup(std::move(scripts), text("2"));
+        scripts = makeScript(std::move(scripts), text("2"), nullptr);
     EXPECT_TRUE(convertTree(scripts).startsWith("<m:sSup>"));
 }
 

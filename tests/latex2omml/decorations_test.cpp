@@ -1,4 +1,3 @@
-#include "latex2omml/handlers.h"
 #include "omml_text.h"
 
 using namespace omml_text;
@@ -82,19 +81,6 @@ TEST(Decorations, ArgumentsTextCannotGive)
     EXPECT_EQ(convertTree(command("xleftarrow", arg(group(text("a")), true), braced("b"),
                                   arg(group(text("cc")), true), braced("d"))),
               limUpp(groupChr(QStringLiteral("\u2190"), "top", "bot", r("cc")), r("d")));
-}
-
-TEST(Decorations, BraceHandlersShowTheOtherSideLiterally)
-{
-    KLatexAst2Omml converter;
-    converter.prepare(false);
-    const auto convert = [&](auto handler, const char* name) {
-        const KLatexNodePtr node = command(name, braced("x"));
-        return xmlOf(handler(converter, std::get<KLatexCommand>(node->value)));
-    };
-    EXPECT_EQ(convert(overGroup, "overequal"), over(QStringLiteral("\u033F"), x));
-    EXPECT_EQ(convert(overGroup, "underbrace"), r("\\underbrace") + x);
-    EXPECT_EQ(convert(underGroup, "overbrace"), r("\\overbrace") + x);
 }
 
 TEST(Decorations, NegationSplitsNonBmpTextIntoCodeUnits)

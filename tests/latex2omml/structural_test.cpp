@@ -73,7 +73,7 @@ TEST(Structural, ArgumentsTextCannotGiveAreRefused)
     EXPECT_EQ(convertTree(command("sqrt", braced("x"), braced("3"))), rad(x, r("3"), false));
     for (const char* name : {"sum", "cos", "lim", "varinjlim"}) {
         EXPECT_EQ(convertTree(command(name, braced("x"))), kNone) << name;
-        EXPECT_EQ(convertTree(sup(command(name, braced("x")), text("2"))), kNone) << name;
+        EXPECT_EQ(convertTree(makeScript(command(name, braced("x")), text("2"), nullptr)), kNone) << name;
     }
 }
 

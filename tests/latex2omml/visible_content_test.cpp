@@ -105,82 +105,45 @@ TEST(VisibleContent, UnknownCommandArgumentsInRenderMode)
     EXPECT_EQ(convertLatex("\\foo{x}", true), r("\\foo", colour("ff0000")) + x);
 }
 
-KLatexNodePtr scriptOnNothing(const char* sub, const char* sup)
-{
-    return makeScript(group(), text(QString::fromUtf8(sup)), text(QString::fromUtf8(sub)));
-}
+// Commands of many arguments, read as TeX reads them.
+INSTANTIATE_TEST_SUITE_P(
+    ManyArguments, LatexToOmml,
+    ::testing::Values(LatexCase{"\\genfrac(){0pt}{}ab", d("(", ")", frac(a, b, nobar))},
+                      LatexCase{"\\genfrac{}{}{}{}ab", frac(a, b)},
+                      LatexCase{"\\genfrac.|{0.0em}{}ab", d("", "|", frac(a, b, nobar))},
+                      LatexCase{"\\genfrac\\langle\\}{0}{}ab",
+                                d(QStringLiteral("\u27E8"), "}", frac(a, b, nobar))},
+                      LatexCase{"\\genfrac(){}ab", kNone},
+                      LatexCase{"\\unitfrac[3]{m}{s}", r("3") + frac(r("m"), r("s"), "skw")},
+                      LatexCase{"\\fcolorbox{red}{blue}{x}", frame(x)},
+                      LatexCase{"\\framebox[2cm][l]{x}", frame(x)}, LatexCase{"\\makebox[2cm]{x}", box(x)},
+                      LatexCase{"\\multicolumn{2}{c}{x}", x},
+                      LatexCase{"\\definecolor{a}{rgb}{1,0,0}", kNone}));
 
-// Arities the text parser gives these commands only once it reads arguments as
-// TeX does; built as trees here.
-TEST(VisibleContent, CommandsWithManyArguments)
-{
-    auto genfrac = [](const char* left, const char* right, const char* thickness) {
-        return convertTree(command("genfrac", braced(left), braced(right), braced(thickness), braced(""),
-                                   braced("a"), braced("b")));
-    };
-    const QString fab = frac(a, b), noBar = frac(a, b, nobar);
-    EXPECT_EQ(genfrac("(", ")", "0pt"), d("(", ")", noBar));
-    EXPECT_EQ(genfrac("", "", ""), fab);
-    EXPECT_EQ(genfrac(".", "|", "0.0em"), d("", "|", noBar));
-    EXPECT_EQ(convertTree(command("genfrac", arg(group(command("langle"))), arg(group(command("}"))),
-                                  braced("0"), braced(""), braced("a"), braced("b"))),
-              d(QStringLiteral("\u27E8"), "}", noBar));
-    EXPECT_EQ(convertTree(command("genfrac", braced("("), braced(")"), braced(""), braced("a"), braced("b"))),
-              kNone);
+// The lexer drops the spaces between notations; they are still found.
+INSTANTIATE_TEST_SUITE_P(
+    EnclosureNotations, LatexToOmml,
+    ::testing::Values(
+        LatexCase{"\\enclose{circle}[color:red]{x}", frame(x)},
+        LatexCase{"\\enclose{updiagonalstrike}{x}", borderBox({"strikeBLTR"}, x)},
+        LatexCase{"\\enclose{horizontalstrike,verticalstrike}{x}", borderBox({"strikeH", "strikeV"}, x)},
+        LatexCase{"\\enclose{box horizontalstrike}{x}", borderBox({"strikeH"}, x, kCtrl, false)},
+        LatexCase{"\\enclose{topbottom}{x}", borderBox({"hideLeft", "hideRight"}, x, kCtrl, false)},
+        LatexCase{"\\enclose{actuarial}{x}", borderBox({"hideBot", "hideLeft"}, x, kCtrl, false)},
+        LatexCase{"\\enclose{nonsense}{x}", frame(x)}, LatexCase{"\\enclose{circle}", kNone}));
 
-    EXPECT_EQ(convertTree(command("unitfrac", arg(group(text("3")), true), braced("m"), braced("s"))),
-              r("3") + frac(r("m"), r("s"), "skw"));
-    EXPECT_EQ(convertTree(command("frac", arg(group(text("3")), true), braced("1"), braced("2"))), kNone);
-
-    EXPECT_EQ(convertTree(command("fcolorbox", braced("red"), braced("blue"), braced("x"))), frame(x));
-    EXPECT_EQ(convertTree(command("framebox", arg(text("2cm"), true), arg(text("l"), true), braced("x"))),
-              frame(x));
-    EXPECT_EQ(convertTree(command("makebox", arg(text("2cm"), true), braced("x"))), box(x));
-    EXPECT_EQ(convertTree(command("multicolumn", braced("2"), braced("c"), braced("x"))), x);
-    EXPECT_EQ(convertTree(command("definecolor", braced("a"), braced("rgb"), braced("1,0,0"))), kNone);
-}
-
-TEST(VisibleContent, EnclosureNotations)
-{
-    auto enclose = [](const char* notation) {
-        return convertTree(command("enclose", braced(notation), arg(text("color:red"), true), braced("x")));
-    };
-    EXPECT_EQ(enclose("circle"), frame(x));
-    EXPECT_EQ(enclose("updiagonalstrike"), borderBox({"strikeBLTR"}, x));
-    EXPECT_EQ(enclose("horizontalstrike,verticalstrike"), borderBox({"strikeH", "strikeV"}, x));
-    EXPECT_EQ(enclose("box horizontalstrike"), borderBox({"strikeH"}, x, kCtrl, false));
-    // The lexer drops the spaces between notations; they are still found.
-    EXPECT_EQ(enclose("topbottom"), borderBox({"hideLeft", "hideRight"}, x, kCtrl, false));
-    EXPECT_EQ(enclose("actuarial"), borderBox({"hideBot", "hideLeft"}, x, kCtrl, false));
-    EXPECT_EQ(enclose("nonsense"), frame(x));
-    EXPECT_EQ(convertTree(command("enclose", braced("circle"))), kNone);
-}
-
-TEST(VisibleContent, MiddleDelimiterAndSideScripts)
-{
-    auto middle = [](KLatexNodePtr fence) {
-        return convertTree(makeLeftRight(
-            "(", ")", group(text("a"), command("middle", arg(std::move(fence))), text("b")), true));
-    };
-    EXPECT_EQ(middle(text("|")), d("(", ")", r("a|b")));
-    EXPECT_EQ(middle(command("|")), d("(", ")", r(QStringLiteral("a\u2016b"))));
-    EXPECT_EQ(middle(text(".")), d("(", ")", r("ab")));
-    EXPECT_EQ(convertTree(command("middle")), kNone);
-
-    const QString sumCD = nary(kSum, false, false, false, r("c"), r("d"), kNone);
-    // The operator follows \sideset as the next node of the group.
-    EXPECT_EQ(convertTree(group(command("sideset", arg(group(scriptOnNothing("a", "b"))),
-                                        arg(group(scriptOnNothing("c", "d")))),
-                                command("sum"), text("x"))),
-              sPre(sumCD, a, b) + x);
-    // Or as a third argument.
-    EXPECT_EQ(convertTree(command("sideset", arg(scriptOnNothing("a", "b")), arg(group()), arg(text("M")))),
-              sPre(r("M"), a, b));
-    EXPECT_EQ(convertTree(command("sideset", arg(group()), arg(scriptOnNothing("c", "d")), arg(text("M")))),
-              sSubSup(r("M"), r("c"), r("d")));
-    EXPECT_EQ(convertTree(group(command("sideset", arg(group()), arg(group())), command("sum"))),
-              nary(kSum, false, true, true, kNone, kNone, kNone));
-    EXPECT_EQ(convertTree(command("sideset", arg(group()))), kNone);
-}
+// \sideset takes the node after it as the operator it decorates.
+INSTANTIATE_TEST_SUITE_P(
+    MiddleDelimiterAndSideScripts, LatexToOmml,
+    ::testing::Values(LatexCase{"\\left(a\\middle|b\\right)", d("(", ")", r("a|b"))},
+                      LatexCase{"\\left(a\\middle\\|b\\right)", d("(", ")", r(QStringLiteral("a\u2016b")))},
+                      LatexCase{"\\left(a\\middle.b\\right)", d("(", ")", r("ab"))},
+                      LatexCase{"\\middle", kNone},
+                      LatexCase{"\\sideset{_a^b}{_c^d}\\sum x",
+                                sPre(nary(kSum, false, false, false, r("c"), r("d"), kNone), a, b) + x},
+                      LatexCase{"\\sideset{_a^b}{}M", sPre(r("M"), a, b)},
+                      LatexCase{"\\sideset{}{_c^d}M", sSubSup(r("M"), r("c"), r("d"))},
+                      LatexCase{"\\sideset{}{}\\sum", nary(kSum, false, true, true, kNone, kNone, kNone)},
+                      LatexCase{"\\sideset{}", kNone}));
 
 } // namespace
