@@ -219,27 +219,6 @@ TEST(SvgPainting, StretchyGlyphUsesItsUniformScaleWhenBothFactorsAreOne)
     EXPECT_TRUE(svgOf(std::move(red)).contains(QStringLiteral("fill=\"#ff0000\"")));
 }
 
-// A node of a kind outside the painted ones.
-struct ForeignNode : KTypoNode {
-    explicit ForeignNode(int kind) : KTypoNode(kind) {}
-};
-
-TEST(SvgPainting, UnknownKindsAreSkippedWithTheirSubtree)
-{
-    const QString empty = KSvgBuilder().build(rootOf(40, 40).get());
-    for (int kind : {0, 7, -1}) {
-        auto foreign = std::make_unique<ForeignNode>(kind);
-        foreign->addChild(glyph(QStringLiteral("x"), 10, 0));
-        EXPECT_EQ(svgOf(std::move(foreign)), empty) << kind;
-    }
-    // Reserved kinds paint their children like a container.
-    for (int kind : {5, 6}) {
-        auto reserved = std::make_unique<ForeignNode>(kind);
-        reserved->addChild(glyph(QStringLiteral("x"), 10, 0));
-        EXPECT_EQ(svgOf(std::move(reserved)), svgOf(glyph(QStringLiteral("x"), 10, 0))) << kind;
-    }
-}
-
 TEST(SvgPainting, NonFiniteCoordinatesSkipTheDrawingButNotTheWalk)
 {
     const double inf = std::numeric_limits<double>::infinity();

@@ -123,18 +123,9 @@ TEST(MatrixLayout, WithoutCellsLaysOutToNothing)
 
 TEST(MatrixLayout, CellBaselinesLineUpAcrossARow)
 {
-    const KLayoutContext context = makeLayoutContext(12);
-    OFraction f;
-    f.num = runs("1");
-    f.den = runs("2");
-    OMatrixRow row = cells({"x"});
-    KOmmlNodeList fraction;
-    fraction.push_back(makeOmmlNode(std::move(f)));
-    row.push_back(std::move(fraction));
-    std::vector<OMatrixRow> rows;
-    rows.push_back(std::move(row));
-    const KTypoNodePtr node = layoutMatrixOf(context, std::move(rows));
-    ASSERT_TRUE(node);
+    const rendertest::Laid laid = rendertest::layoutLatex("\\begin{matrix}x & \\frac{1}{2}\\end{matrix}", 12);
+    ASSERT_TRUE(laid.node);
+    const KTypoNode* node = laid.node;
     const KTypoNode& a = *node->children[0];
     const KTypoNode& b = *node->children[1];
     EXPECT_NEAR(a.y + a.ascent, b.y + b.ascent, kEps);
