@@ -1,11 +1,8 @@
-#include "interface/IFormulaConverterHelper.h"
 #include "interface/converter_helper.h"
 
 #include <QProcess>
 
 #include <gtest/gtest.h>
-
-#include <dlfcn.h>
 
 namespace {
 
@@ -48,34 +45,8 @@ TEST(ExtractMathParagraph, Cases)
             << c.input;
 }
 
-TEST(ConverterInterface, EmptyInputGivesEmptyResult)
-{
-    EXPECT_TRUE(kHelper.latexToOmml(QStringView()).isEmpty());
-    EXPECT_TRUE(kHelper.ommlToLatex(QStringView()).isEmpty());
-    EXPECT_TRUE(kHelper.latexToSvg(QStringView(), 12).isEmpty());
-    EXPECT_TRUE(kHelper.ommlToSvg(QStringView(), 12).isEmpty());
-}
-
-// A host loads the shared library at run time and talks to it only through the
-// exported function and the virtual table.
-TEST(SharedLibrary, LoadsAndAnswersThroughTheVirtualTable)
-{
-    const QByteArray path = QByteArray(FC_BINARY_DIR) + "/libformulaconverter.so";
-    void* library = dlopen(path.constData(), RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    auto entry = reinterpret_cast<GetFormulaConverterHelperFn>(dlsym(library, "GetFormulaConverterHelper"));
-    ASSERT_NE(entry, nullptr);
-    IFormulaConverterHelper* helper = entry();
-    ASSERT_NE(helper, nullptr);
-    EXPECT_EQ(entry(), helper);
-    EXPECT_EQ(helper->wrapInWordDocument(QStringLiteral("X")),
-              kHelper.wrapInWordDocument(QStringLiteral("X")));
-    EXPECT_EQ(helper->extractMathParagraph(QStringLiteral("a<m:oMathPara>b</m:oMathPara>")),
-              QStringLiteral("<m:oMathPara>b</m:oMathPara>"));
-    EXPECT_TRUE(helper->latexToOmml(QStringView()).isEmpty());
-    dlclose(library);
-}
-
+// Hosts load the shared library at run time (tests/host/corpus_host.cpp does, over the corpus) and
+// must see nothing but the entry point.
 TEST(SharedLibrary, ExportsExactlyTheEntryPoint)
 {
     QProcess nm;

@@ -68,7 +68,6 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(t("a"), cmd("space_thin"), cmd("space_med"), cmd("space_thick"), cmd("space_negthin"),
                cmd("space_quad"), cmd("space_qquad"), cmd("space_normal"), t("b")),
          "a\\,\\:\\;\\!\\quad \\qquad \\ b"},
-        {cmd("space_thin", arg(t("x"))), "\\,"},
         // A space of the text is a control space, braced as a script; the lexer's
         // no-break space is a tie.
         {group(t("if"), cmd("space_normal"), t("x"), cmd("nbsp"), t("y")), "if\\ x~y"},
@@ -81,12 +80,10 @@ TEST(LatexWriter, PrintsWholeTrees)
         {cmd("left", arg(makeLeftRight("{", "}", group(), false))), "\\left"},
         {cmd("right", arg(makeLeftRight("{", "}", makeLeftRight("{", "}", t("x"), false), false))),
          "\\right{{x}}"},
-        {group(cmd("left", arg(t("("))), t("x")), "\\left(x"},
         {makeUnknownCommand("left", args(arg(t("(")))), "\\left{(}"},
         // Line breaks take only an optional spacing, normalised.
         {br("3 pt"), "\\\\[3pt]"},
         {cmd("\\\\*", opt(t("2 em"))), "\\\\*[2em]"},
-        {cmd("\\\\", opt(nullptr)), "\\\\"},
         {group(cmd("\\\\"), t("x")), "\\\\x"},
         {makeUnknownCommand("\\\\", args(opt(t("2 pt")))), "\\\\\\[2 pt]"},
         // Arguments, and which nodes count as simple.
@@ -99,7 +96,6 @@ TEST(LatexWriter, PrintsWholeTrees)
         {hat(t("ab")), "\\hat{ab}", bare},
         {hat(t("\U0001D465")), "\\hat{\U0001D465}", bare},
         {hat(frac()), "\\hat{\\fracab}", bare},
-        {hat(group()), "\\hat{}", bare},
         {hat(script(t("a"), t("2"))), "\\hat{a^2}", bare},
         // Scripts: superscript first, braces unless simple (or always with the option off).
         {script(t("x"), t("2"), t("i")), "x^2_i"},
@@ -119,9 +115,7 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(makeLeftRight("(", ")", t("x"), true), t("y")), "\\left( x \\right)y"},
         // Rows: cells joined by " & ", a trailing line break set off by one space.
         {row(t("a"), t("b"), br("3 pt")), "a & b \\\\[3pt]"},
-        {row(t("a"), cmd("\\\\*")), "a \\\\*"},
         {row(t("a"), nullptr, t("c")), "a &  & c"},
-        {row(), ""},
         {row(cmd("\\\\"), t("a")), "\\\\ & a"},
         // Environments: known names one row a line, indented per level.
         {env("pmatrix", row(t("a"), t("b")), row(t("c"), t("d"))),
@@ -132,7 +126,6 @@ TEST(LatexWriter, PrintsWholeTrees)
          options(false, true, false)},
         {env("aligned", row(t("a"), t("b"), br("3 pt")), row(t("c"))),
          "\\begin{aligned}\n\ta & b \\\\[3pt]\n\tc\n\\end{aligned}"},
-        {env("cases", row(t("a"), cmd("\\\\"))), "\\begin{cases}\n\ta \\\\\n\\end{cases}"},
         {env("matrix", row(t("a")), nullptr, row(), row(t("b"))),
          "\\begin{matrix}\n\ta \\\\\n\t \\\\\n\t \\\\\n\tb\n\\end{matrix}"},
         {makeEnvironment("array", args(arg(t("cc"))), nodes(row(t("1"), t("2")))),

@@ -63,7 +63,6 @@ const LexCase kLexCases[] = {
     {"x\\", R"x("x" 0+1 | \"\\" 1+1 | End 2)x", "1 W_backslash_eof 1+1 Trailing backslash at end of input"},
     {"{}[]^_&#$", R"x({ 0+1 | } 1+1 | [ 2+1 | ] 3+1 | ^ 4+1 | _ 5+1 | & 6+1 | "#" 7+1 | "$" 8+1 | End 9)x",
      ""},
-    {"\\color{red}x", R"x(\"color" 0+6 | { 6+1 | "red" 7+3 | } 10+1 | "x" 11+1 | End 12)x", ""},
     {"\\color{#FF0000}", R"x(\"color" 0+6 | { 6+1 | "#FF0000" 7+7 | } 14+1 | End 15)x", ""},
     {"\\color{rgba (1,(2),3)}", R"x(\"color" 0+6 | { 6+1 | "rgba (1,(2),3)" 7+14 | } 21+1 | End 22)x", ""},
     {"\\color{rgb(1,0,0}x", R"x(\"color" 0+6 | { 6+1 | "rgb(1,0,0}x" 7+11 | End 18)x",
