@@ -1,7 +1,15 @@
 // Commands that carry visible content convert to their natural OMML, commands
-// without visible content vanish, and an unknown command keeps its arguments.
+// without visible content vanish, an unknown command keeps its arguments, and
+// the letters and digits of the corpus formulas reach the OMML.
 
 #include "omml_text.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cstdio>
 
 using namespace omml_text;
 
@@ -145,5 +153,44 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"\\sideset{}{_c^d}M", sSubSup(r("M"), r("c"), r("d"))},
                       LatexCase{"\\sideset{}{}\\sum", nary(kSum, false, true, true, kNone, kNone, kNone)},
                       LatexCase{"\\sideset{}", kNone}));
+
+// Every letter and digit a reader sees in a corpus formula reaches the OMML text. Seen are the
+// letters and digits outside command names and outside the arguments that only set something up
+// (environment names and column specs, colours, labels, dimensions, character codes, line-break
+// spacing); they are compared without case, as \uppercase and its kin change it.
+TEST(VisibleContent, CorpusLettersAndDigitsReachTheOmml)
+{
+    static const QRegularExpression setup(QStringLiteral(
+        R"(\\begin\{(?:array|alignat\*?|alignedat|subarray)\}\s*(?:\[[^\]]*\])?\s*\{[^{}]*\}|)"
+        R"(\\definecolor(?:\s*\{[^{}]*\}){3}|\\(?:begin|end|color|textcolor|colorbox|pagecolor|label|)"
+        R"([hv]space\*?|kern|mkern|mskip|hskip|rule|unicode)\s*(?:\[[^\]]*\])?\s*\{[^{}]*\}|)"
+        R"(\\(?:kern|mkern|mskip|hskip)\s*-?[0-9.]+\s*[a-z]{2}|\\\\\s*\[[^\]]*\]|\\[A-Za-z]+\*?)"));
+    static const QRegularExpression runText(QStringLiteral("<m:t[^>]*>([^<]*)</m:t>"));
+    static const QRegularExpression entity(QStringLiteral("&[a-z]+;"));
+    const QDir corpus(QStringLiteral(FC_CORPUS_DIR));
+    int formulas = 0;
+    int losing = 0;
+    for (const QString& name : corpus.entryList({QStringLiteral("*.txt")}, QDir::Files)) {
+        QFile file(corpus.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        for (const QString& latex :
+             QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            QHash<uint, int> unmatched;
+            for (const uint c : QString(latex).remove(setup).toCaseFolded().toUcs4())
+                unmatched[c] += QChar::isLetterOrNumber(c);
+            QString shown;
+            for (auto runs = runText.globalMatch(convertLatex(latex)); runs.hasNext();)
+                shown += runs.next().captured(1).remove(entity);
+            for (const uint c : shown.toCaseFolded().toUcs4())
+                --unmatched[c];
+            ++formulas;
+            losing += std::any_of(unmatched.cbegin(), unmatched.cend(), [](int n) { return n > 0; });
+        }
+    }
+    std::printf("letters or digits lost: %d of %d corpus formulas (%.3f%%)\n", losing, formulas,
+                100.0 * losing / std::max(formulas, 1));
+    EXPECT_GT(formulas, 16000);
+    EXPECT_LT(losing, 0.005 * formulas);
+}
 
 } // namespace
