@@ -1,6 +1,7 @@
 #include "interface/converter_helper.h"
 
 #include <QProcess>
+#include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,12 @@ TEST(WordDocument, EmbedsTheFragmentUnchanged)
                          "progid=\"Word.Document\"?><w:wordDocument "));
     EXPECT_TRUE(empty.contains(" xmlns:m=\"http://schemas.openxmlformats.org/officeDocument/2006/math\" "));
     EXPECT_TRUE(empty.endsWith("<w:body><wx:sect><w:p></w:p></wx:sect></w:body></w:wordDocument>"));
+    QXmlStreamReader xml(empty);
+    ASSERT_TRUE(xml.readNextStartElement());
+    EXPECT_EQ(xml.namespaceUri(), QLatin1String("http://schemas.microsoft.com/office/word/2003/wordml"));
+    while (!xml.atEnd())
+        xml.readNext();
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
     const int paragraph = empty.indexOf("<w:p></w:p>") + 5;
     for (const QString& fragment : {QStringLiteral("<m:oMathPara/>"), QStringLiteral("a < b & \"c\""),
                                     QString::fromUtf8("\xF0\x9D\x94\xB8 \xC3\xA9")})
