@@ -31,7 +31,6 @@ INSTANTIATE_TEST_SUITE_P(
                                 func(limLow(rp(QStringLiteral("arg\u2009max")), x), r("f"))},
                       LatexCase{"\\operatorname*{sup}_a^b", func(limUpp(limLow(rp("sup"), a), b), kNone)},
                       LatexCase{"\\lcm x", func(limLow(rp("lcm"), kNone), x)},
-                      LatexCase{"\\ensuremath{\\eta}", r(QStringLiteral("\u03B7"))},
                       LatexCase{"\\dbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
                       LatexCase{"\\nicefrac{1}{2}", frac(r("1"), r("2"), "skw")},
                       LatexCase{"\\substack{i<j\\\\k}", eqArr({r("i&lt;j"), r("k")})},
@@ -49,7 +48,6 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         LatexCase{"\\boxplus\\boxminus\\boxdot\\circledast\\circledcirc\\circleddash\\shortmid\\nshortmid",
                   r(QStringLiteral("\u229E\u229F\u22A1\u229B\u229A\u229D\u2223\u2224"))},
-        LatexCase{"\\idotsint", r(QStringLiteral("\u222B\u22EF\u222B"))},
         LatexCase{"\\unicode{x2208}\\unicode{8712}\\unicode{X2209}", r(QStringLiteral("\u2208\u2208\u2209"))},
         LatexCase{"\\unicode{x1D400}", r(QString::fromUtf8("\xF0\x9D\x90\x80"))},
         LatexCase{"\\unicode{xD800}\\unicode{x110000}", r("xD800x110000")}));
@@ -57,9 +55,6 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     StylesAndMarks, LatexToOmml,
     ::testing::Values(LatexCase{"\\bm{x}", r("x", sty("bi"))}, LatexCase{"\\mathbf{\\mathnormal{x}}", x},
-                      LatexCase{"\\widecheck{x}", acc(QStringLiteral("\u030C"), x)},
-                      LatexCase{"\\wideparen{x}",
-                                groupChr(QStringLiteral("\u23DC"), "top", "bot", x, ctrl(sty("", true)))},
                       LatexCase{"\\framebox{x}", frame(x)}, LatexCase{"\\makebox{x}", box(x)},
                       LatexCase{"\\bbox[red]{x}", x}, LatexCase{"\\bbox[border:1px]{x}", frame(x)},
                       LatexCase{"\\tag{1.2}", u("(1.2)")}, LatexCase{"x\\eqref{a}\\ref{b}", x + u("(a)b")},
@@ -67,9 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(Chemistry, LatexToOmml,
                          ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
-                                           LatexCase{"\\ce{Na12}", sSub(u("Na"), u("12"))},
                                            LatexCase{"\\ce{A->B<=>C}", u(QStringLiteral("A\u2192B\u21CCC"))},
-                                           LatexCase{"\\ce{Fe^{3+}}", sSup(u("Fe"), u("3+"))},
                                            LatexCase{"\\ce{SO4^{2-}}",
                                                      u("S") + sSubSup(u("O"), u("4"), u("2-"))},
                                            LatexCase{"\\ce{(OH)2}", u("(OH") + sSub(u(")"), u("2"))},
@@ -86,13 +79,10 @@ INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
 INSTANTIATE_TEST_SUITE_P(CommandsUnknownToTheParser, LatexToOmml,
                          ::testing::Values(LatexCase{"\\varphi\\colon[0,1]\\to[0,1]",
                                                      r(QStringLiteral("\u03C6:[0,1]\u2192[0,1]"))},
-                                           LatexCase{"a\\hdots b", r(QStringLiteral("a\u2026b"))},
                                            LatexCase{"a\\textsubscript{r}", a + sSub(kNone, r("r"))},
                                            LatexCase{"x\\textsuperscript{th}", x + sSup(kNone, r("th"))},
-                                           LatexCase{"\\bold{x}", r("x", sty("b"))},
-                                           LatexCase{"\\smash{x}", x}, LatexCase{"\\smash[t]{x}", r("[t]x")},
+                                           LatexCase{"\\smash[t]{x}", r("[t]x")},
                                            LatexCase{"\\sgn x", func(rp("sgn"), x)},
-                                           LatexCase{"\\sen^2 x", func(sSup(rp("sen"), r("2")), x)},
                                            LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
                                            LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))},
                                            LatexCase{"a\\eqno(1)", r("a(1)")},
@@ -101,10 +91,8 @@ INSTANTIATE_TEST_SUITE_P(CommandsUnknownToTheParser, LatexToOmml,
 
 // Size and weight switches show nothing of their own; what follows them stays.
 INSTANTIATE_TEST_SUITE_P(SwitchesWithoutContent, LatexToOmml,
-                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"a\\footnotesize b", r("ab")},
-                                           LatexCase{"a\\Huge{b}", r("ab")},
+                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"a\\Huge{b}", r("ab")},
                                            LatexCase{"\\mathrm{\\small T}", r("T", sty("p"))},
-                                           LatexCase{"{\\large}", kNone},
                                            LatexCase{"\\boldmath x\\unboldmath", x},
                                            LatexCase{"\\scriptsize\\frac{a}{b}", frac(a, b)}));
 
