@@ -236,25 +236,4 @@ TEST(CliLayout, TextIsEscapedAndNonBmpCharactersSurvive)
     EXPECT_TRUE(text.contains('"')) << text.toStdString();
 }
 
-TEST(CliLayout, ExitCodes)
-{
-    for (const QStringList& args : {QStringList{"layout", ""}, QStringList{"layout", "--omml", "<nothing/>"},
-                                    QStringList{"layout", "--omml", "not xml at all <"}}) {
-        const CliResult r = runCli(args);
-        EXPECT_EQ(r.exitCode, 1) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.out.isEmpty());
-        EXPECT_TRUE(r.err.startsWith("formulaconv: layout: ")) << r.err.toStdString();
-        EXPECT_EQ(r.err.count('\n'), 1);
-    }
-    for (const QStringList& args :
-         {QStringList{"layout", "--bogus", "x"}, QStringList{"layout", "--size", "0", "x"},
-          QStringList{"layout", "--size"}, QStringList{"layout", "a", "b"}}) {
-        const CliResult r = runCli(args);
-        EXPECT_EQ(r.exitCode, 2) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains("usage: formulaconv OP"));
-    }
-    // Sizes the renderer refuses produce nothing rather than a broken tree.
-    EXPECT_EQ(runCli({"layout", "--size", "1e9", "x"}).exitCode, 1);
-}
-
 } // namespace

@@ -53,6 +53,10 @@ TEST(Cli, ExitCodesAndMessages)
         // An equation outside a paragraph converts to nothing; the size has an upper limit.
         {{"omml2latex", "<m:oMath><m:r><m:t>x</m:t></m:r></m:oMath>"}, 1, "formulaconv: omml2latex:"},
         {{"latex2svg", "--size", "5000", "x"}, 1, "formulaconv: latex2svg:"},
+        {{"layout", ""}, 1, "formulaconv: layout: "},
+        {{"layout", "--omml", "<nothing/>"}, 1, "formulaconv: layout: "},
+        {{"layout", "--omml", "not xml at all <"}, 1, "formulaconv: layout: "},
+        {{"layout", "--size", "1e9", "x"}, 1, "formulaconv: layout: "},
         {{}, 2, "usage: formulaconv OP"},
         {{"frobnicate"}, 2, "usage: formulaconv OP"},
         {{"wrap", "--bogus", "x"}, 2, "usage: formulaconv OP"},
@@ -60,6 +64,8 @@ TEST(Cli, ExitCodesAndMessages)
         {{"latex2svg", "--size", "abc", "x"}, 2, "usage: formulaconv OP"},
         {{"wrap", "a", "b"}, 2, "usage: formulaconv OP"},
         {{"wrap", "--file"}, 2, "usage: formulaconv OP"},
+        {{"layout", "--size", "0", "x"}, 2, "usage: formulaconv OP"},
+        {{"layout", "a", "b"}, 2, "usage: formulaconv OP"},
     };
     for (const auto& c : cases) {
         const CliResult r = runCli(c.args);
