@@ -6,9 +6,7 @@
 #include <QRectF>
 
 #include <cmath>
-#include <future>
 #include <limits>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -25,11 +23,6 @@ const char16_t kOperators[] = {u'\u220F', u'\u2210', u'\u2211', u'\u222B', u'\u2
                                u'\u222E', u'\u222F', u'\u2230', u'\u22C0', u'\u22C1', u'\u22C2',
                                u'\u22C3', u'\u2A06', u'\u2A00', u'\u2A01', u'\u2A02'};
 
-// Every delimiter with a built shape (each is checked through the fence layout too).
-const char16_t kDelimiters[] = {u'(',      u')',      u'[',      u']',      u'{',      u'}',
-                                u'|',      u'/',      u'\\',     u'\u2016', u'\u27E8', u'\u27E9',
-                                u'\u230A', u'\u230B', u'\u2308', u'\u2309', u'\u27E6', u'\u27E7'};
-
 // A path as the flat list of its elements: type, x, y for each.
 std::vector<double> elements(const QPainterPath& path)
 {
@@ -39,52 +32,6 @@ std::vector<double> elements(const QPainterPath& path)
         out.insert(out.end(), {double(e.type), e.x, e.y});
     }
     return out;
-}
-
-std::vector<double> everyShape()
-{
-    std::vector<double> out;
-    for (char16_t c : kOperators) {
-        const outlines::KOperatorOutline o = outline(c);
-        out.insert(out.end(), {o.width, o.height});
-        const std::vector<double> e = elements(o.path);
-        out.insert(out.end(), e.begin(), e.end());
-    }
-    for (char16_t d : kDelimiters) {
-        const outlines::KBuiltDelimiter b = buildDelimiter(37.5, d);
-        out.insert(out.end(), {b.width, b.height});
-        const std::vector<double> e = elements(b.path);
-        out.insert(out.end(), e.begin(), e.end());
-    }
-    return out;
-}
-
-// Runs in a fresh copy of the test program (threadsafe death-test style), so the tables are
-// really built here for the first time, by eight threads at once.
-TEST(OutlineTablesConcurrency, FirstUseFromEightThreadsGivesIdenticalShapes)
-{
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            std::promise<void> go;
-            std::shared_future<void> start = go.get_future().share();
-            std::vector<std::future<std::vector<double>>> results;
-            for (int i = 0; i < 8; ++i)
-                results.push_back(std::async(std::launch::async, [start] {
-                    start.wait();
-                    return everyShape();
-                }));
-            go.set_value();
-            std::vector<std::vector<double>> shapes;
-            for (auto& r : results)
-                shapes.push_back(r.get());
-            const std::vector<double> reference = everyShape();
-            bool same = !reference.empty();
-            for (const auto& s : shapes)
-                same = same && s == reference;
-            std::exit(same ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
 }
 
 TEST(OperatorOutlines, EveryOperatorIsNormalisedTo120HighAtTheOrigin)
