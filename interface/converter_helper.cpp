@@ -10,23 +10,57 @@
 #include "render/render.h"
 
 #include <QRegularExpression>
+#include <QTextCodec>
+
+#include <utility>
+
+namespace {
+
+// Qt registers its text codecs on first use: the XML reader asks for UTF-8 by number, the SVG
+// generator by name, a text stream for the locale's. Qt guards that registry with a lock of its
+// own, which a thread checker cannot see inside an uninstrumented Qt, so concurrent first uses
+// look like a race there. Looking them all up once, under the guard of a static, settles the
+// registry before any operation runs; later look-ups only read it.
+bool registerTextCodecs()
+{
+    QTextCodec::codecForMib(106);
+    QTextCodec::codecForName("UTF-8");
+    QTextCodec::codecForLocale();
+    return true;
+}
+
+// The LaTeX converter's equation for `latex`, or null when the parser gives no tree. In render
+// mode unknown commands come out red, so that a picture shows what was not understood.
+KOmmlNodePtr latexToEquation(QStringView latex, bool renderMode)
+{
+    // Diagnostics only matter to the parser's repairs; the operations drop them.
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr tree = parseLatex(latex, diagnostics, KLatexParser::kItemLimit);
+    if (!tree || !latexAs<KLatexGroup>(tree.get()))
+        return nullptr;
+    KLatexAst2Omml converter;
+    converter.prepare(renderMode);
+    return makeOmmlNode(OMathEquation{converter.convert(*tree)});
+}
+
+} // namespace
+
+KFormulaConverterHelper::KFormulaConverterHelper()
+{
+    static const bool codecsRegistered = registerTextCodecs();
+    Q_UNUSED(codecsRegistered);
+}
 
 QString KFormulaConverterHelper::latexToOmml(QStringView latex) const
 {
     if (latex.isEmpty())
         return {};
-    // Diagnostics only matter to the parser's repairs; this operation drops them.
-    LatexDiagnostics diagnostics;
-    const KLatexNodePtr tree = parseLatex(latex, diagnostics, KLatexParser::kItemLimit);
-    if (!tree)
-        return {};
-    KLatexAst2Omml converter;
-    converter.prepare(false);
-    if (!latexAs<KLatexGroup>(tree.get()))
+    KOmmlNodePtr equation = latexToEquation(latex, false);
+    if (!equation)
         return {};
     OMathParagraph paragraph;
     paragraph.justification = OJustification::centerGroup;
-    paragraph.equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
+    paragraph.equation = std::move(equation);
     return ommlParagraphToXml(paragraph);
 }
 
@@ -71,17 +105,8 @@ QString KFormulaConverterHelper::latexToSvg(QStringView latex, double fontSize) 
 {
     if (latex.isEmpty())
         return {};
-    LatexDiagnostics diagnostics;
-    const KLatexNodePtr tree = parseLatex(latex, diagnostics, KLatexParser::kItemLimit);
-    if (!tree)
-        return {};
-    // Render mode: unknown commands show in red.
-    KLatexAst2Omml converter;
-    converter.prepare(true);
-    if (!latexAs<KLatexGroup>(tree.get()))
-        return {};
-    const KOmmlNodePtr equation = makeOmmlNode(OMathEquation{converter.convert(*tree)});
-    return renderEquation(equation.get(), fontSize);
+    const KOmmlNodePtr equation = latexToEquation(latex, true);
+    return equation ? renderEquation(equation.get(), fontSize) : QString();
 }
 
 QString KFormulaConverterHelper::ommlToSvg(QStringView omml, double fontSize) const

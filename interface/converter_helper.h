@@ -6,6 +6,7 @@
 
 class KFormulaConverterHelper final : public IFormulaConverterHelper {
 public:
+    KFormulaConverterHelper();
     ~KFormulaConverterHelper() override = default;
 
     QString latexToOmml(QStringView latex) const override;
