@@ -4,7 +4,7 @@
 // formula and exits non-zero on the first violation, so that a checked build
 // (AddressSanitizer, ThreadSanitizer) of the library can be driven the way hosts use it.
 //
-//   corpus_host [--library PATH] [--every N] [--size PT] FILE...
+//   corpus_host [--every N] FILE...
 //
 // --every N takes every Nth formula of each file (the first, the (N+1)th, ...).
 
@@ -64,7 +64,7 @@ void runFormula(const IFormulaConverterHelper& helper, const char* file, int lin
 
 int usage()
 {
-    std::fputs("usage: corpus_host [--library PATH] [--every N] [--size PT] FILE...\n", stderr);
+    std::fputs("usage: corpus_host [--every N] FILE...\n", stderr);
     return 2;
 }
 
@@ -76,25 +76,20 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv); // rendering measures text through QtGui
 
-    QByteArray library =
+    const QByteArray library =
         QFile::encodeName(QCoreApplication::applicationDirPath()) + "/libformulaconverter.so";
+    constexpr double size = 12.0;
     int every = 1;
-    double size = 12.0;
     QList<QByteArray> files;
     for (int i = 1; i < argc; ++i) {
-        const bool hasValue = i + 1 < argc;
-        if (std::strcmp(argv[i], "--library") == 0 && hasValue)
-            library = argv[++i];
-        else if (std::strcmp(argv[i], "--every") == 0 && hasValue)
+        if (std::strcmp(argv[i], "--every") == 0 && i + 1 < argc)
             every = std::atoi(argv[++i]);
-        else if (std::strcmp(argv[i], "--size") == 0 && hasValue)
-            size = std::atof(argv[++i]);
         else if (argv[i][0] == '-')
             return usage();
         else
             files << argv[i];
     }
-    if (files.isEmpty() || every < 1 || size <= 0)
+    if (files.isEmpty() || every < 1)
         return usage();
 
     void* handle = dlopen(library.constData(), RTLD_NOW | RTLD_LOCAL);

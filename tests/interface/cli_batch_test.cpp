@@ -92,18 +92,6 @@ TEST(CliBatch, PlainLinesAreInputsWhateverTheirFirstCharacter)
     EXPECT_TRUE(run.err.startsWith("5 inputs, 1 empty, ")) << run.err.constData();
 }
 
-TEST(CliBatch, LatexLinesStartingWithBraceOrQuoteConvert)
-{
-    const BatchRun run = runBatch({"latex2omml"}, "{ \\bf K }_3 = 1\n{}^{6}\\mathrm{Li}\n\"x\"\n");
-    ASSERT_EQ(run.lines.size(), 3);
-    for (int i = 0; i < 3; ++i) {
-        const QJsonObject object = QJsonDocument::fromJson(run.lines[i]).object();
-        EXPECT_EQ(object.value("id").toInt(), i + 1);
-        EXPECT_TRUE(object.value("ok").toBool()) << run.lines[i].constData();
-        EXPECT_TRUE(object.value("output").toString().startsWith("<m:oMathPara")) << run.lines[i].constData();
-    }
-}
-
 // Every formula of the corpus, one per line as the files hold them, gives one
 // successful result line, in order, numbered by its line.
 TEST(CliBatch, WholeCorpusAsPlainLines)

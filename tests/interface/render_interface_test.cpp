@@ -141,18 +141,4 @@ TEST(RenderOperations, RealFormulasAreReadBySecondSvgReader)
     }
 }
 
-// Render mode only changes how unknown commands look: they show in red.
-TEST(RenderOperations, LatexAndItsOmmlRenderAlikeUnlessACommandIsUnknown)
-{
-    for (const char* latex : kRealFormulas) {
-        const QString formula = QString::fromUtf8(latex);
-        if (formula.contains(QStringLiteral("unknown"))) {
-            EXPECT_TRUE(kHelper.latexToSvg(formula, 12).contains(QStringLiteral("fill=\"#ff0000\"")));
-            continue;
-        }
-        EXPECT_TRUE(kHelper.ommlToSvg(kHelper.latexToOmml(formula), 12) == kHelper.latexToSvg(formula, 12))
-            << latex;
-    }
-}
-
 } // namespace

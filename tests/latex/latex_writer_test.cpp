@@ -61,8 +61,6 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(t("+"), group(t("x"), cmd("alpha"))), "+ x\\alpha"},
         {group(t("+"), script(t("x"), cmd("alpha"))), "+ x^\\alpha"},
         {group(t("+"), script(t("x"), cmd("foo*"))), "+x^\\foo*"},
-        {group(t("+"), script(t("x"), cmd("é"))), "+ x^\\é"},
-        {group(t("+"), group(t("x"), makeLeftRight("(", ")", t("y"), true))), "+ x\\left( y \\right)"},
         // Escaping.
         {t("#$%&\\^_{}~"), "\\#\\$\\%\\&\\\\\\^\\_\\{\\}\\~"},
         {t("<>|[]()'\"@!\U0001D400\u2211"), "<>|[]()'\"@!\U0001D400\u2211"},
@@ -70,47 +68,35 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(t("a"), cmd("space_thin"), cmd("space_med"), cmd("space_thick"), cmd("space_negthin"),
                cmd("space_quad"), cmd("space_qquad"), cmd("space_normal"), t("b")),
          "a\\,\\:\\;\\!\\quad \\qquad \\ b"},
-        {cmd("space_thin", arg(t("x"))), "\\,"},
         // A space of the text is a control space, braced as a script; the lexer's
         // no-break space is a tie.
         {group(t("if"), cmd("space_normal"), t("x"), cmd("nbsp"), t("y")), "if\\ x~y"},
         {script(t("x"), cmd("space_normal"), cmd("space_thin")), "x^{\\ }_\\,"},
         {cmd("left", arg(makeLeftRight("{", "}", group(t("\\"), cmd("space_normal")), false))), "\\left\\\\"},
-        {cmd("right",
-             arg(makeLeftRight("{", "}", group(t("]"), cmd("space_normal"), cmd("space_normal")), false))),
-         "\\right]"},
         {makeUnknownCommand("space_quad", args(arg(t("x")))), "\\quad "},
         // \left and \right print their first argument, unwrapping a braced delimiter.
         {cmd("right", arg(cmd("rangle"))), "\\right\\rangle"},
         {cmd("left", arg(t("{"))), "\\left\\{"},
         {cmd("left", arg(t("x"))), "\\left x"},
-        {cmd("left", arg(makeLeftRight("{", "}", group(t("("), cmd("space_normal")), false))), "\\left("},
         {cmd("left", arg(makeLeftRight("{", "}", group(), false))), "\\left"},
         {cmd("right", arg(makeLeftRight("{", "}", makeLeftRight("{", "}", t("x"), false), false))),
          "\\right{{x}}"},
-        {cmd("left", opt(t("[")), arg(t("x"))), "\\left["},
-        {group(cmd("left", arg(t("("))), t("x")), "\\left(x"},
         {makeUnknownCommand("left", args(arg(t("(")))), "\\left{(}"},
         // Line breaks take only an optional spacing, normalised.
         {br("3 pt"), "\\\\[3pt]"},
         {cmd("\\\\*", opt(t("2 em"))), "\\\\*[2em]"},
-        {cmd("\\\\", arg(t("3pt"))), "\\\\"},
-        {cmd("\\\\", opt(nullptr)), "\\\\"},
         {group(cmd("\\\\"), t("x")), "\\\\x"},
         {makeUnknownCommand("\\\\", args(opt(t("2 pt")))), "\\\\\\[2 pt]"},
         // Arguments, and which nodes count as simple.
         {frac(), "\\fracab", bare},
         {cmd("sqrt", opt(group()), arg(t("x"))), "\\sqrt[]{x}"},
         {cmd("sqrt", opt(nullptr), arg(nullptr)), "\\sqrt[]{}", bare},
-        {cmd("sqrt", opt(t("3")), arg(t("x"))), "\\sqrt[3]x", bare},
         {makeUnknownCommand("foo", args(opt(t("o")), arg(t("m")))), "\\foo[o]{m}"},
         {hat(group(group(t("a")))), "\\hata", bare},
         {hat(cmd("alpha")), "\\hat\\alpha", bare},
         {hat(t("ab")), "\\hat{ab}", bare},
         {hat(t("\U0001D465")), "\\hat{\U0001D465}", bare},
         {hat(frac()), "\\hat{\\fracab}", bare},
-        {hat(makeUnknownCommand("foo")), "\\hat{\\foo}", bare},
-        {hat(group()), "\\hat{}", bare},
         {hat(script(t("a"), t("2"))), "\\hat{a^2}", bare},
         // Scripts: superscript first, braces unless simple (or always with the option off).
         {script(t("x"), t("2"), t("i")), "x^2_i"},
@@ -130,12 +116,8 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(makeLeftRight("(", ")", t("x"), true), t("y")), "\\left( x \\right)y"},
         // Rows: cells joined by " & ", a trailing line break set off by one space.
         {row(t("a"), t("b"), br("3 pt")), "a & b \\\\[3pt]"},
-        {row(t("a"), cmd("\\\\*")), "a \\\\*"},
         {row(t("a"), nullptr, t("c")), "a &  & c"},
-        {row(cmd("space_quad"), cmd("\\\\")), "\\quad \\\\"},
-        {row(), ""},
         {row(cmd("\\\\"), t("a")), "\\\\ & a"},
-        {row(t("a"), makeUnknownCommand("\\\\")), "a & \\\\\\"},
         // Environments: known names one row a line, indented per level.
         {env("pmatrix", row(t("a"), t("b")), row(t("c"), t("d"))),
          "\\begin{pmatrix}\n\ta & b \\\\\n\tc & d\n\\end{pmatrix}"},
@@ -145,11 +127,8 @@ TEST(LatexWriter, PrintsWholeTrees)
          options(false, true, false)},
         {env("aligned", row(t("a"), t("b"), br("3 pt")), row(t("c"))),
          "\\begin{aligned}\n\ta & b \\\\[3pt]\n\tc\n\\end{aligned}"},
-        {env("cases", row(t("a"), cmd("\\\\"))), "\\begin{cases}\n\ta \\\\\n\\end{cases}"},
         {env("matrix", row(t("a")), nullptr, row(), row(t("b"))),
          "\\begin{matrix}\n\ta \\\\\n\t \\\\\n\t \\\\\n\tb\n\\end{matrix}"},
-        {env("gather", row(cmd("\\\\"), t("a")), row(t("b"))),
-         "\\begin{gather}\n\t\\\\ & a \\\\\n\tb\n\\end{gather}"},
         {makeEnvironment("array", args(arg(t("cc"))), nodes(row(t("1"), t("2")))),
          "\\begin{array}{cc}\n\t1 & 2\n\\end{array}"},
         {env("bmatrix", row(env("pmatrix", row(t("x")), row(t("y"))), t("z"))),
@@ -176,16 +155,12 @@ TEST(LatexWriter, EveryKnownEnvironmentBreaksRows)
 
 TEST(LatexWriter, NormalisesLineBreakDimensions)
 {
-    // clang-format off
     const std::pair<const char*, const char*> cases[] = {
-        {"2 pt", "2pt"}, {" 2 pt ", "2pt"}, {"1.5 em", "1.5 em"}, {"3pt", "3pt"}, {"2 px", "2 px"},
-        {"2 pt x", "2 pt x"}, {"2  pt", "2  pt"}, {"x pt", "x pt"}, {"-2 pt", "-2 pt"}, {"2 PT", "2 PT"},
-        {"", ""}, {"   ", ""}, {"12 em", "12em"}, {"\u0662 pt", "\u0662pt"}, {"2\tpt", "2\tpt"}};
-    // clang-format on
+        {"2 pt", "2pt"},   {" 2 pt ", "2pt"},    {"1.5 em", "1.5 em"},
+        {"2 px", "2 px"},  {"2 pt x", "2 pt x"}, {"-2 pt", "-2 pt"},
+        {"12 em", "12em"}, {"   ", ""},          {"\u0662 pt", "\u0662pt"}};
     for (const auto& [input, expected] : cases)
         EXPECT_EQ(KLatexWriter::normaliseDimension(QString::fromUtf8(input)), QString::fromUtf8(expected));
-    for (const QString& unit : QString("pt em ex mm cm in bp pc dd cc sp").split(' '))
-        EXPECT_EQ(KLatexWriter::normaliseDimension("1 " + unit), "1" + unit);
 }
 
 // Writes a chain of single-child groups around a text, then tears it down

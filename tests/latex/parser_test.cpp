@@ -43,9 +43,7 @@ TEST_P(Parser, ExactTreeAndDiagnostics)
 
 // Items a \left body fails on are parsed again by the enclosing list; small item limits cut lists.
 const ParseCase kCases[] = {
-    {"", "", ""},
     {"}", "", "E_unexpected_token 0+1"},
-    {"]", R"("]")", ""},
     {"a&b", R"("a" "b")", "E_unexpected_token 1+1"},
     {"{a", R"(Group{"a"})", R"(2 E_missing_rbrace 1+1 Missing '}'.)"},
     {R"(\sqrt[3]{x^2+1})",
@@ -54,48 +52,30 @@ const ParseCase kCases[] = {
      R"(2 E_missing_rbracket 9+1 Missing ']'. | 2 E_req_missing 10+0 \sqrt missing required argument.)"},
     {R"(x\)", R"("x" Unknown "\\")", R"(1 W_backslash_eof 1+1 Trailing backslash at end of input)"},
     {R"(\\[2pt]a\\b)", R"(Command "\\\\"{optarg{Group{"2" "p" "t"}}} "a" Command "\\\\" "b")", ""},
-    {R"(\operatorname*{lim})", R"(Command "operatorname*"{arg{Group{"l" "i" "m"}}})", ""},
     {R"(\alpha{x})", R"(Command "alpha" Group{"x"})", ""},
     {R"(\foo[a]{b}{c})", R"(Unknown "foo" "[" "a" "]" Group{"b"} Group{"c"})", ""},
-    {R"(\foo{b}{c})", R"(Unknown "foo"{arg{Group{"b"}}} Group{"c"})", ""},
-    {R"(\,{x})", R"(Command "space_thin" Group{"x"})", ""},
     {R"(\{x\})", R"(Command "{" "x" Command "}")", ""},
     {R"(\end{x})", R"(Command "end" Group{"x"})", ""},
     {R"(\'e)", R"("\\'" "e")", ""},
-    {R"(\frac{a})", R"(Command "frac"{arg{Group{"a"}}})", "E_arg2_missing 8+0"},
     {R"(\frac}ab)", R"(Command "frac" "a" "b")",
      R"(2 E_arg1_missing 5+1 \frac missing first argument. | 2 E_arg2_missing 5+1 \frac missing second argument. | 2 E_unexpected_token 5+1 Unexpected token while parsing expression.)"},
-    {R"(\frac a})", R"(Command "frac"{arg{Group{"a"}}})", "E_arg2_missing 7+1 | E_unexpected_token 7+1"},
-    {R"(\sqrt&x)", R"(Command "sqrt" "x")", "E_req_missing 5+1 | E_unexpected_token 5+1"},
-    {R"(\hat^x)", R"(Script{base{Command "hat"} sup{"x"}})", "E_arg_missing 4+1"},
     {R"(\hat)", R"(Command "hat")", R"(2 E_arg_missing 4+0 \hat expects one argument.)"},
     {R"(\alpha*)", R"(Unknown "alpha*")", ""},
-    {R"(\hspace*{1})", R"(Command "hspace*"{arg{Group{"1"}}})", ""},
     {"x^2_3", R"(Script{base{"x"} sup{"2"} sub{"3"}})", ""},
-    {"x_b^a", R"(Script{base{"x"} sup{"a"} sub{"b"}})", ""},
     {"_3^2", R"(Script{base{Group} sup{"2"} sub{"3"}})", ""},
     {"x^a_b^c", R"(Script{base{Script{base{"x"} sup{"a"} sub{"b"}}} sup{"c"}})", ""},
     {"x^a^b", R"(Script{base{"x"} sup{"a"}} "b")", ""},
     {"x^a^_b", R"(Script{base{"x"} sup{"a"} sub{"b"}})", ""},
     {"x^12", R"(Script{base{"x"} sup{"1"}} "2")", ""},
-    {"x^", R"(Script{base{"x"} sup{Group}})", "E_missing_script_arg 2+0"},
     {"x^}", R"(Script{base{"x"} sup{Group}})",
      R"(2 E_missing_script_arg 2+1 Missing superscript/subscript argument. | 2 E_unexpected_token 2+1 Unexpected token while parsing expression.)"},
-    {R"(x^{a \over b})", R"(Script{base{"x"} sup{Command "over"{arg{Group{"a"}} arg{Group{"b"}}}}})", ""},
-    {R"(x^\frac{1}{2})", R"(Script{base{"x"} sup{Command "frac"{arg{Group{"1"}} arg{Group{"2"}}}}})", ""},
     {"x^a^^b", R"(Script{base{Script{base{"x"} sup{"a"}}} sup{"b"}})", ""},
     {R"({a \over b})", R"(Command "over"{arg{Group{"a"}} arg{Group{"b"}}})", ""},
     {R"(a \over b)", R"("a" Command "over" "b")", ""},
     {R"({a \over b \over c})", R"(Command "over"{arg{Group{"a"}} arg{Group{"b" Command "over" "c"}}})", ""},
     {R"({\choose})", R"(Command "choose"{arg{Group} arg{Group}})", ""},
-    {R"(\frac{n \atop k}{x \above y})",
-     R"(Command "frac"{arg{Command "atop"{arg{Group{"n"}} arg{Group{"k"}}}} arg{Command "above"{arg{Group{"x"}} arg{Group{"y"}}}}})",
-     ""},
-    {R"({a \over b)", R"(Command "over"{arg{Group{"a"}} arg{Group{"b"}}})", "E_missing_rbrace 9+1"},
     {R"([a \over b])", R"("[" "a" Command "over" "b" "]")", ""},
     {R"({\buildrel a \over b})", R"(Group{Command "overset"{arg{Group{"a"}} arg{"b"}}})", ""},
-    {R"({\buildrel a \over {b c}})", R"(Group{Command "overset"{arg{Group{"a"}} arg{Group{"b" "c"}}}})", ""},
-    {R"({\buildrel a \over})", R"(Group{Command "overset"{arg{Group{"a"}} arg{null}}})", ""},
     {R"({\buildrel a})", R"(Group{Group{"a"}})", R"(2 E_buildrel_over 12+1 \buildrel expects \over.)"},
     {R"(\buildrel a \over b)", R"(Command "buildrel" "a" Command "over" "b")", ""},
     {R"(\left( \frac{1}{2} \right))",
@@ -105,7 +85,6 @@ const ParseCase kCases[] = {
      R"(1 W_left_delim 5+1 \left expects a delimiter; got '1'. Using '.'.)"},
     {R"(\left x\right y)", R"(LeftRight "x" "y" left-right{Group})", ""},
     {R"(\right)", R"(LeftRight "." "." left-right{Group})", ""},
-    {R"(\left\langle a \right\|)", R"(LeftRight "\\langle" "\\|" left-right{Group{"a"}})", ""},
     {R"(\left(a\right)", R"(LeftRight "(" "." left-right{Group{"a"}})",
      R"(1 W_right_delim 13+0 \right expects a delimiter; got ''. Using '.'.)"},
     {R"(\left{a\right})",
@@ -120,8 +99,6 @@ const ParseCase kCases[] = {
     {R"(\left( \left[ x \right))",
      R"~(LeftRight "(" "." left-right{Group} LeftRight "[" ")" left-right{Group{"x"}})~",
      "E_missing_right 23+0"},
-    {R"(\left( \left[ x)", R"(LeftRight "(" "." left-right{Group} LeftRight "[" "." left-right{Group} "x")",
-     "E_missing_right 15+0 | E_missing_right 15+0"},
     {R"(^ \frac { a \left. b } _ a \begin{foo} a a)",
      R"(Script{base{Group} sup{Command "frac"{arg{Group{"a" LeftRight "." "." left-right{Group} "b"}}}} sub{"a"}} Env "foo"{body{Group{"a" "a"}}})",
      "E_unexpected_token 21+1 | E_missing_end 42+0 | E_missing_right 42+0 | E_arg2_missing 23+1"},
@@ -138,8 +115,6 @@ const ParseCase kCases[] = {
     {R"(\begin{aligned}a&=b\\[2pt]c\end{aligned})",
      R"(Env "aligned"{body{Row{Group{"a"} Group{"=" "b"} Command "\\\\"{optarg{Group{"2" "p" "t"}}}} Row{Group{"c"}}}})",
      ""},
-    {R"(\begin{array}{cc}1&2\end{array})",
-     R"(Env "array"{arg{Group{"c" "c"}} body{Row{Group{"1"} Group{"2"}}}})", ""},
     {R"(\begin{alignedat}[t]{2}x\end{alignedat})",
      R"(Env "alignedat"{optarg{Group{"t"}} arg{Group{"2"}} body{Row{Group{"x"}}}})", ""},
     {R"(\begin{Bmatrix}a&b\end{Bmatrix})", R"(Env "Bmatrix"{body{Group{"a" "b"}}})",
@@ -152,18 +127,12 @@ const ParseCase kCases[] = {
     {R"(\begin{}x\end{}y)", "", "E_unexpected_token 15+1"},
     {R"(\begin{ali2gned}\end{aligned})", R"(Env "aligned"{body{Row{Group}}})",
      R"(1 W_envname_char 10+1 Unexpected char in environment name; ignoring.)"},
-    {R"(\begin{cases})", R"(Env "cases"{body})", "E_missing_end 13+0"},
     {R"(\begin{cases)", R"(Env "cases"{body})",
      R"(2 E_missing_rbrace 12+0 Missing '}' after \begin{name}. | 2 E_missing_end 12+0 Missing \end{cases}.)"},
     {R"(\begin{gather}a\end x)", R"(Env "gather"{body{Row{Group{"a"}}}} "x")",
      R"(2 E_end_need_name 20+1 \end must be followed by {name}.)"},
     {R"(\begin{split}a\end{split)", R"(Env "split"{body{Row{Group{"a"}}}})",
      R"(2 E_missing_rbrace 24+0 Missing '}' after \end{name}.)"},
-    {R"(\begin{split}a\end{sp1lit})", R"(Env "split"{body{Row{Group{"a"}}}})", ""},
-    {R"(\begin{cases}a}\end{cases})", R"(Env "cases"{body{Row{Group{"a"}}}})", "E_unexpected_token 14+1"},
-    {R"(\begin{foo}{a \over b}c\end{foo})",
-     R"(Env "foo"{body{Group{Command "over"{arg{Group{"a"}} arg{Group{"b"}}} "c"}}})", ""},
-    {R"(\begin{foo}a \over b\end{foo})", R"(Env "foo"{body{Group{"a" Command "over" "b"}}})", ""},
     {R"(\begin{align*}a\\\\b\end{align*})",
      R"(Env "align*"{body{Row{Group{"a"}} Row{Group} Row{Group{"b"}}}})", ""},
     {R"(\pmatrix{a&b\cr c&d})",
@@ -171,7 +140,6 @@ const ParseCase kCases[] = {
     {R"(\matrix x)", R"(Command "matrix" "x")", ""},
     {R"(\Bmatrix{a\\[1]b)", R"(Command "Bmatrix"{arg{Group{Row{Group{"a"}} Row{Group{"[" "1" "]" "b"}}}}})",
      "E_missing_rbrace 16+0"},
-    {R"(\vmatrix{a&\end})", R"(Command "vmatrix"{arg{Group{Row{Group{"a"} Group{Command "end"}}}}})", ""},
     {R"(\left( \left[ a^x b c d)",
      R"(LeftRight "(" "." left-right{Group} LeftRight "[" "." left-right{Group} Script{base{"a"} sup{"x"}})",
      "F_nesting_overflow 22+1 | E_missing_right 22+1 | F_nesting_overflow 20+1 | E_missing_right 20+1 | "
@@ -187,18 +155,12 @@ const ParseCase kCases[] = {
      "| F_nesting_overflow 13+1",
      1},
     {"ab{cde}f", R"("a" "b" Group{"c" "d" "e"})", "F_nesting_overflow 6+1 | F_nesting_overflow 7+1", 2},
-    {R"(\textcolor[rgb]{1,0,0}{x})",
-     R"(Command "textcolor"{optarg{Group{"rgb"}} arg{Group{"1,0,0"}} arg{Group{"x"}}})", ""},
     {R"(\colorbox{red})", R"(Command "colorbox"{arg{Group{"red"}}})", "E_arg2_missing 14+0"},
-    {R"(\fcolorbox{red}{blue}{x})",
-     R"(Command "fcolorbox"{arg{Group{"red"}} arg{Group{"blue"}} arg{Group{"x"}}})", ""},
     {R"(\fcolorbox[rgb]{1,0,0}{0,0,1}{x y})",
      R"(Command "fcolorbox"{optarg{Group{"rgb"}} arg{Group{"1,0,0"}} arg{Group{"0" "," "0" "," "1"}} arg{Group{"x" "y"}}})",
      ""},
     {R"(\colorbox[HTML]{FF0000}x)",
      R"(Command "colorbox"{optarg{Group{"HTML"}} arg{Group{"FF0000"}} arg{Group{"x"}}})", ""},
-    {R"(\color[gray]{0.5}{x})", R"(Command "color"{optarg{Group{"gray"}} arg{Group{"0.5"}} arg{Group{"x"}}})",
-     ""},
     {R"(\Frac{a}{b}\foo*)", R"(Unknown "Frac"{arg{Group{"a"}}} Group{"b"} Unknown "foo*")", ""},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Parser, ::testing::ValuesIn(kCases));
@@ -236,55 +198,6 @@ TEST(Parser, ItemLimitKeepsFirst1025AtomsPerList)
     EXPECT_EQ(latexAs<KLatexGroup>(root.get())->children.size(), 1025u);
     EXPECT_EQ(diagnostics.size(), 1025u);
     EXPECT_EQ(diagnostics.back().code, QStringLiteral("F_nesting_overflow"));
-}
-
-std::vector<Token> tokensOf(const QString& source, LatexDiagnostics& diagnostics)
-{
-    KLatexLexResult result = KLatexLexer(source).tokenize();
-    diagnostics = std::move(result.diagnostics);
-    return std::move(result.tokens);
-}
-
-// The entry points used one by one, as the converters do.
-TEST(ParserApi, EntryPointsConsumeOnlyWhatTheyRead)
-{
-    LatexDiagnostics diagnostics;
-    std::vector<Token> tokens = tokensOf(QStringLiteral("x}"), diagnostics);
-    KLatexParser braces(tokens, diagnostics);
-    EXPECT_EQ(braces.itemLimit(), 1024);
-    EXPECT_EQ(foldedDump(dumpLatexTree(braces.parseBraceGroupAsExpr().get())), QStringLiteral("Group"));
-    EXPECT_EQ(braces.parseBracketGroupAsExpr(), nullptr);
-    EXPECT_EQ(foldedDump(dumpLatexTree(braces.parseDocument().get())), QStringLiteral("Group{\"x\"}"));
-    EXPECT_EQ(&braces.diagnostics(), &diagnostics);
-    EXPECT_EQ(diagnosticsText(diagnostics),
-              QStringLiteral("2 E_expected_lbrace 0+1 Expected '{'. | 2 "
-                             "E_unexpected_token 1+1 Unexpected token while parsing expression."));
-
-    tokens = tokensOf(QStringLiteral("{cases}a&b\\\\c\\end{cases}"), diagnostics);
-    KLatexParser env(tokens, diagnostics);
-    EXPECT_EQ(foldedDump(dumpLatexTree(env.parseEnv().get())),
-              QStringLiteral("Env \"cases\"{body{Row{Group{\"a\"} Group{\"b\"}} Row{Group{\"c\"}}}}"));
-
-    tokens = tokensOf(QStringLiteral("a\\cr b}c\\"), diagnostics);
-    KLatexParser matrix(tokens, diagnostics);
-    const KLatexNodeList body = matrix.parseMatrixBody();
-    ASSERT_EQ(body.size(), 2u);
-    EXPECT_EQ(foldedDump(dumpLatexTree(body[1].get())), QStringLiteral("Row{Group{\"b\"}}"));
-    // The closing brace is left for the caller; the lexer's warning stays first in the list.
-    EXPECT_EQ(foldedDump(dumpLatexTree(matrix.parseDocument().get())),
-              QStringLiteral("Group{\"c\" Unknown \"\\\\\"}"));
-    EXPECT_EQ(diagnosticsText(diagnostics),
-              QStringLiteral("1 W_backslash_eof 8+1 Trailing backslash at end of input | "
-                             "2 E_unexpected_token 6+1 Unexpected token while parsing expression."));
-
-    tokens = tokensOf(QStringLiteral("[a]{b}x"), diagnostics);
-    KLatexParser args(tokens, diagnostics);
-    const KLatexArgs sqrt = args.parseCommandArgs(QStringLiteral("sqrt"));
-    ASSERT_EQ(sqrt.size(), 2u);
-    EXPECT_TRUE(sqrt[0].optional && !sqrt[1].optional);
-    EXPECT_EQ(args.parseCommandArgs(QStringLiteral("hat")).size(), 1u);
-    EXPECT_TRUE(args.parseCommandArgs(QStringLiteral("frac")).empty());
-    EXPECT_EQ(foldedDump(dumpLatexTree(args.parseDocument().get())), QStringLiteral("Group"));
 }
 
 TEST(ParserApi, TokenListsWithoutEndOfInputAreSafe)

@@ -308,11 +308,6 @@ template <class... Args> KLatexNodePtr command(const char* name, Args&&... args)
     return makeCommand(QString::fromUtf8(name), std::move(list));
 }
 
-inline KLatexNodePtr sup(KLatexNodePtr base, KLatexNodePtr superscript)
-{
-    return makeScript(std::move(base), std::move(superscript), nullptr);
-}
-
 // ---- conversion --------------------------------------------------------------------
 
 inline QString convertTree(const KLatexNodePtr& node, bool renderMode = false)

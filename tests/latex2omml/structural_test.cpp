@@ -7,19 +7,19 @@ namespace {
 const QString kNone, kSum = QStringLiteral("\u2211"), a = r("a"), b = r("b"), x = r("x");
 const QString nobar = QStringLiteral("nobar");
 
-INSTANTIATE_TEST_SUITE_P(
-    Fractions, LatexToOmml,
-    ::testing::Values(LatexCase{"\\frac{1}{2}", frac(r("1"), r("2"))}, LatexCase{"\\dfrac{a}{b}", frac(a, b)},
-                      LatexCase{"\\cfrac{a}{b}", frac(a, b)}, LatexCase{"\\tfrac{a}{b}", frac(a, b, "lin")},
-                      LatexCase{"\\sfrac{a}{b}", frac(a, b, "skw")},
-                      LatexCase{"\\frac{}{}", frac(kNone, kNone)},
-                      LatexCase{"\\binom{a}{b}", d("(", ")", frac(a, b, nobar))},
-                      LatexCase{"\\frac{1}", kNone}, LatexCase{"{a \\over b}", frac(a, b)},
-                      LatexCase{"{a \\above b}", frac(a, b)}, LatexCase{"{a \\atop b}", frac(a, b, nobar)},
-                      LatexCase{"{a \\choose b}", d("(", ")", frac(a, b, nobar))},
-                      LatexCase{"\\sqrt{x}", rad(x, kNone, true)},
-                      LatexCase{"\\sqrt[3]{x}", rad(x, r("3"), false)},
-                      LatexCase{"\\sqrt[]{x}", rad(x, "", false)}));
+INSTANTIATE_TEST_SUITE_P(Fractions, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\frac{1}{2}", frac(r("1"), r("2"))},
+                                           LatexCase{"\\tfrac{a}{b}", frac(a, b, "lin")},
+                                           LatexCase{"\\sfrac{a}{b}", frac(a, b, "skw")},
+                                           LatexCase{"\\frac{}{}", frac(kNone, kNone)},
+                                           LatexCase{"\\binom{a}{b}", d("(", ")", frac(a, b, nobar))},
+                                           LatexCase{"\\frac{1}", kNone},
+                                           LatexCase{"{a \\over b}", frac(a, b)},
+                                           LatexCase{"{a \\atop b}", frac(a, b, nobar)},
+                                           LatexCase{"{a \\choose b}", d("(", ")", frac(a, b, nobar))},
+                                           LatexCase{"\\sqrt{x}", rad(x, kNone, true)},
+                                           LatexCase{"\\sqrt[3]{x}", rad(x, r("3"), false)},
+                                           LatexCase{"\\sqrt[]{x}", rad(x, "", false)}));
 
 INSTANTIATE_TEST_SUITE_P(
     Operators, LatexToOmml,
@@ -27,27 +27,19 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\sum", nary(kSum, false, true, true, kNone, kNone, kNone)},
         LatexCase{"\\sum\\limits_{i}", nary(kSum, true, false, true, r("i"), kNone, kNone)},
         LatexCase{"\\sum\\nolimits^n", nary(kSum, false, true, false, kNone, r("n"), kNone)},
-        LatexCase{"\\prod_{}", nary(QStringLiteral("\u220F"), false, false, true, kNone, kNone, kNone)},
         LatexCase{"\\int\\frac{dx}{x}",
                   nary(QStringLiteral("\u222B"), false, true, true, kNone, kNone, frac(r("dx"), x))},
         LatexCase{"\\sin", func(rp("sin"), kNone)}, LatexCase{"\\sin^2 x", func(sSup(rp("sin"), r("2")), x)},
         LatexCase{"\\log_2^k", func(sSubSup(rp("log"), r("2"), r("k")), kNone)},
-        LatexCase{"\\log_b", func(sSub(rp("log"), b), kNone)},
         LatexCase{"\\lim_{x\\to 0} f", func(limLow(rp("lim"), r(QStringLiteral("x\u21920"))), r("f"))},
         LatexCase{"\\lim", func(limLow(rp("lim"), kNone), kNone)},
-        LatexCase{"\\lim_{} f", func(limLow(rp("lim"), kNone), r("f"))},
         LatexCase{"\\lim_{\\left(n\\right)}", func(limLow(rp("lim"), d("(", ")", r("n"))), kNone)},
         LatexCase{"\\max_a^b", func(limUpp(limLow(rp("max"), a), b), kNone)},
-        LatexCase{"\\sup^b", func(limUpp(limLow(rp("sup"), kNone), b), kNone)},
         LatexCase{"\\limsup", func(limLow(rp("lim sup"), kNone), kNone)},
         LatexCase{"\\varlimsup", func(limLow(bar("top", rp("lim")), kNone), kNone)},
-        LatexCase{"\\varliminf", func(limLow(bar("bot", rp("lim")), kNone), kNone)},
         LatexCase{"\\varinjlim", func(limLow(rp("lim"), r(QStringLiteral("\u2192"))), kNone)},
-        LatexCase{"\\varprojlim", func(limLow(rp("lim"), r(QStringLiteral("\u2190"))), kNone)},
         LatexCase{"\\varinjlim_{i}", func(limLow(rp("lim"), r("i")), kNone)},
-        LatexCase{"\\varlimsup_n^m", func(limUpp(limLow(bar("top", rp("lim")), r("n")), r("m")), kNone)},
-        LatexCase{"\\overset{!}{=}", limUpp(r("="), r("!"))}, LatexCase{"\\stackrel{a}{b}", limUpp(b, a)},
-        LatexCase{"\\underset{a}{b}", limLow(b, a)}));
+        LatexCase{"\\overset{!}{=}", limUpp(r("="), r("!"))}, LatexCase{"\\underset{a}{b}", limLow(b, a)}));
 
 // Structures copy the whole current style as control properties; scripts and
 // operator names do not follow it.
@@ -63,18 +55,14 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathbf{\\sum^x}", nary(kSum, false, true, false, kNone, bx, kNone, boldCtrl)},
         LatexCase{"\\mathbf{\\sin^x}", func(sSup(rp("sin"), bx), kNone, boldCtrl)},
         LatexCase{"\\mathbf{\\lim_x^y}",
-                  func(limUpp(limLow(rp("lim"), bx, boldCtrl), by, boldCtrl), kNone, boldCtrl)},
-        LatexCase{"\\mathbf{\\underset{x}{y}}", limLow(by, bx, boldCtrl)}));
+                  func(limUpp(limLow(rp("lim"), bx, boldCtrl), by, boldCtrl), kNone, boldCtrl)}));
 
 TEST(Structural, ArgumentsTextCannotGiveAreRefused)
 {
     EXPECT_EQ(convertTree(command("frac", braced("1"), braced("2"), braced("3"))), kNone);
-    EXPECT_EQ(convertTree(command("frac", braced("1"), arg(nullptr))), kNone);
     EXPECT_EQ(convertTree(command("over", braced("a"))), kNone);
     EXPECT_EQ(convertTree(command("sqrt")), kNone);
-    EXPECT_EQ(convertTree(command("sqrt", braced("a"), braced("b"), braced("c"))), kNone);
     EXPECT_EQ(convertTree(command("sqrt", arg(nullptr, true), braced("x"))), kNone);
-    EXPECT_EQ(convertTree(command("overset", braced("a"))), kNone);
     // A fence with nothing inside is no lower limit.
     EXPECT_EQ(convertTree(makeScript(command("lim"), nullptr, makeLeftRight(".", ".", group(), true))),
               func(limLow(rp("lim"), kNone), kNone));
@@ -82,7 +70,7 @@ TEST(Structural, ArgumentsTextCannotGiveAreRefused)
     EXPECT_EQ(convertTree(command("sqrt", braced("x"), braced("3"))), rad(x, r("3"), false));
     for (const char* name : {"sum", "cos", "lim", "varinjlim"}) {
         EXPECT_EQ(convertTree(command(name, braced("x"))), kNone) << name;
-        EXPECT_EQ(convertTree(sup(command(name, braced("x")), text("2"))), kNone) << name;
+        EXPECT_EQ(convertTree(makeScript(command(name, braced("x")), text("2"), nullptr)), kNone) << name;
     }
 }
 

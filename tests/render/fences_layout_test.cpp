@@ -41,7 +41,6 @@ TEST(DelimiterFences, EncloseTheBodyWithAMarginAndAGapPerDrawnFence)
                  {"", "", 0, 0},
                  // U+27EA has no built shape: neither the fence nor its gap appears.
                  {"\u27EA", ")", 0, 0.15},
-                 {"\u27EA", "\u27EB", 0, 0},
                  {"(x", "]]", 0.15, 0.1},
                  {"\U0001D400", "\U0001D400", 0, 0}};
     for (const auto& c : cases) {
@@ -81,6 +80,8 @@ TEST(DelimiterFences, EncloseTheBodyWithAMarginAndAGapPerDrawnFence)
                 EXPECT_NEAR(close.x, x + gap, kEps);
                 EXPECT_NEAR(close.width, c.endFactor * height, kEps);
                 EXPECT_NEAR(close.height, height, kEps);
+                EXPECT_EQ(static_cast<const KTypoStrokePath&>(close).path,
+                          outlines::buildDelimiter(height, c.end.at(0).unicode()).path);
                 x += gap + close.width;
             }
             EXPECT_NEAR(node->width, x, kEps);

@@ -1,6 +1,8 @@
 #pragma once
 // Builders for OMML models and readers for laid-out trees, shared by the render tests.
 
+#include "latex/latex_parser.h"
+#include "latex2omml/ast2omml.h"
 #include "omml/omml_model.h"
 #include "render/layout_engine.h"
 #include "render/render.h"
@@ -31,19 +33,33 @@ inline KTypoNodePtr layoutOf(KOmmlNodeList elements, double size)
     return layoutEquation(equation.get(), size);
 }
 
-// The layout of one element at `size`: the only child of the equation's list.
+// The layout of one element at `size`: `node` is the only child of the equation's list.
 struct Laid {
     KTypoNodePtr root;
     const KTypoNode* node = nullptr;
 };
 
-inline Laid layoutOne(KOmmlNodePtr element, double size)
+inline Laid laidOut(KTypoNodePtr root)
 {
-    Laid laid;
-    laid.root = layoutOf(makeOmmlList(std::move(element)), size);
+    Laid laid{std::move(root)};
     if (laid.root && laid.root->children.size() == 1)
         laid.node = laid.root->children.front().get();
     return laid;
+}
+
+inline Laid layoutOne(KOmmlNodePtr element, double size)
+{
+    return laidOut(layoutOf(makeOmmlList(std::move(element)), size));
+}
+
+// The layout of the OMML the LaTeX converter writes for `latex`.
+inline Laid layoutLatex(const char* latex, double size)
+{
+    LatexDiagnostics diagnostics;
+    const KLatexNodePtr tree = parseLatex(QString::fromUtf8(latex), diagnostics);
+    KLatexAst2Omml converter;
+    converter.prepare(false);
+    return laidOut(layoutOf(converter.convert(*tree), size));
 }
 
 // The metrics the layout measures with, as Qt resolves the font on this machine.
