@@ -19,8 +19,8 @@ namespace {
 // Qt registers its text codecs on first use: the XML reader asks for UTF-8 by number, the SVG
 // generator by name, a text stream for the locale's. Qt guards that registry with a lock of its
 // own, which a thread checker cannot see inside an uninstrumented Qt, so concurrent first uses
-// look like a race there. Looking them all up once, under the guard of a static, settles the
-// registry before any operation runs; later look-ups only read it.
+// look like a race there. Looking them all up once, under the guard of a static, registers them
+// before any operation runs, so later look-ups find them cached instead of adding them.
 bool registerTextCodecs()
 {
     QTextCodec::codecForMib(106);
