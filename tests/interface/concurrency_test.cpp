@@ -27,8 +27,10 @@ QStringList corpusSample()
     QStringList formulas;
     for (const char* name : {"arxiv-formulas.txt", "wikipedia-formulas.txt"}) {
         QFile file(QStringLiteral(FC_CORPUS_DIR "/") + QLatin1String(name));
-        if (!file.open(QIODevice::ReadOnly))
+        if (!file.open(QIODevice::ReadOnly)) {
+            ADD_FAILURE() << "corpus file missing: " << qPrintable(file.fileName());
             continue;
+        }
         const QList<QByteArray> lines = file.readAll().split('\n');
         for (int i = 0; i < lines.size(); i += kEvery) {
             if (!lines.at(i).isEmpty())

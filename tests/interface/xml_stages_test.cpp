@@ -38,7 +38,9 @@ QStringList filesIn(const QString& dir, const QString& pattern)
 QStringList latexInputs()
 {
     QStringList inputs;
-    for (const QString& path : filesIn(QStringLiteral(FC_CORPUS_DIR), QStringLiteral("*.txt")))
+    const QStringList corpusFiles = filesIn(QStringLiteral(FC_CORPUS_DIR), QStringLiteral("*.txt"));
+    EXPECT_FALSE(corpusFiles.isEmpty()) << "the formula corpus is missing from " << FC_CORPUS_DIR;
+    for (const QString& path : corpusFiles)
         inputs << linesOf(path);
     for (const QString& path :
          filesIn(QStringLiteral(FC_SOURCE_DIR "/fuzz/seeds"), QStringLiteral("latex_*")))

@@ -156,6 +156,8 @@ TEST(VisibleContent, CorpusLettersAndDigitsReachTheOmml)
     static const QRegularExpression runText(QStringLiteral("<m:t[^>]*>([^<]*)</m:t>"));
     static const QRegularExpression entity(QStringLiteral("&[a-z]+;"));
     const QDir corpus(QStringLiteral(FC_CORPUS_DIR));
+    ASSERT_FALSE(corpus.entryList({QStringLiteral("*.txt")}, QDir::Files).isEmpty())
+        << "the formula corpus is missing from " << FC_CORPUS_DIR;
     int formulas = 0;
     int losing = 0;
     for (const QString& name : corpus.entryList({QStringLiteral("*.txt")}, QDir::Files)) {
