@@ -4,7 +4,8 @@ set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${FORMULACONV_BUILD_DIR:-$ROOT/build}"
 PACKAGES=(cmake ninja-build g++ qtbase5-dev libqt5svg5-dev libgtest-dev fontconfig fonts-liberation fonts-stix
-    fonts-dejavu-core librsvg2-bin)
+    fonts-dejavu-core librsvg2-bin
+    fonts-texgyre-math libharfbuzz-dev libfontconfig-dev pkg-config)
 # Extra configure arguments of the build in $BUILD (the checked builds set them).
 CMAKE_ARGS=()
 
