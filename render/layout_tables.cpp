@@ -43,10 +43,14 @@ KTypoNodePtr layoutMatrix(const KLayoutContext& context, const OMatrix& matrix)
     };
     std::vector<Row> rows(matrix.rows.size());
     std::vector<double> columnWidths(columns, 0.0);
+    // Cells are set in text style, as TeX sets the cells of an array.
+    const KLayoutContext cellContext = context.style == KMathStyle::display
+                                           ? styledContext(context, KMathStyle::text, context.cramped)
+                                           : context;
     for (std::size_t r = 0; r < matrix.rows.size(); ++r) {
         Row& row = rows[r];
         for (std::size_t c = 0; c < matrix.rows[r].size(); ++c) {
-            std::unique_ptr<KTypoLine> cell = layoutList(context, matrix.rows[r][c]);
+            std::unique_ptr<KTypoLine> cell = layoutList(cellContext, matrix.rows[r][c]);
             columnWidths[c] = std::max(columnWidths[c], cell->width);
             row.ascent = std::max(row.ascent, cell->ascent);
             row.bottom = std::max(row.bottom, cell->bottom);
