@@ -121,12 +121,7 @@ KTypoNodePtr layoutFunction(const KLayoutContext& context, const OFunction& func
     nameContext.upright = true;
     KAtomList atoms;
     atoms.push_back(KAtom{layoutList(nameContext, function.fName), KAtomClass::op, KAtomClass::op});
-    for (const KOmmlNodePtr& element : function.e) {
-        if (!element)
-            continue;
-        for (KAtom& atom : layoutAtoms(context, *element))
-            atoms.push_back(std::move(atom));
-    }
+    appendAtoms(context, function.e, atoms);
     return joinAtoms(context, std::move(atoms));
 }
 

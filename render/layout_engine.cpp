@@ -194,16 +194,20 @@ std::unique_ptr<KTypoLine> joinAtoms(const KLayoutContext& context, KAtomList at
     return line;
 }
 
-std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmmlNodeList& list)
+void appendAtoms(const KLayoutContext& context, const KOmmlNodeList& list, KAtomList& atoms)
 {
-    KAtomList atoms;
     for (const KOmmlNodePtr& element : list) {
         if (!element)
             continue;
-        KAtomList more = layoutAtoms(context, *element);
-        for (KAtom& atom : more)
+        for (KAtom& atom : layoutAtoms(context, *element))
             atoms.push_back(std::move(atom));
     }
+}
+
+std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmmlNodeList& list)
+{
+    KAtomList atoms;
+    appendAtoms(context, list, atoms);
     return joinAtoms(context, std::move(atoms));
 }
 

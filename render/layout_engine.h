@@ -50,6 +50,8 @@ using KAtomList = std::vector<KAtom>;
 
 // The atoms of one element (a run gives one per character); empty for kinds that draw nothing.
 KAtomList layoutAtoms(const KLayoutContext& context, const KOmmlNode& node);
+// Appends the atoms of every element of a list.
+void appendAtoms(const KLayoutContext& context, const KOmmlNodeList& list, KAtomList& atoms);
 // Atoms side by side with TeX's spaces between them, in one container.
 std::unique_ptr<KTypoLine> joinAtoms(const KLayoutContext& context, KAtomList atoms);
 // Primes (U+2032 to U+2034, U+2057), which the font draws raised.

@@ -118,12 +118,7 @@ KTypoNodePtr layoutNary(const KLayoutContext& context, const ONaryOperator& nary
     }
     KAtomList atoms;
     atoms.push_back(KAtom{std::move(limited), KAtomClass::op, KAtomClass::op});
-    for (const KOmmlNodePtr& element : nary.e) {
-        if (!element)
-            continue;
-        for (KAtom& atom : layoutAtoms(context, *element))
-            atoms.push_back(std::move(atom));
-    }
+    appendAtoms(context, nary.e, atoms);
     return joinAtoms(context, std::move(atoms));
 }
 
