@@ -175,3 +175,23 @@ TEST(EquationArrayLayout, WithoutRowsLaysOutToNothingAndOneRowIsThatRow)
 }
 
 } // namespace
+
+TEST(MatrixLayout, CellsAreInTextStyleSoFractionsInThemShrink)
+{
+    const KLayoutContext context = makeLayoutContext(10);
+    OFraction fraction;
+    fraction.num = runs("a");
+    fraction.den = runs("b");
+    OMatrixRow row;
+    row.push_back(makeOmmlList(makeOmmlNode(std::move(fraction))));
+    std::vector<OMatrixRow> rows;
+    rows.push_back(std::move(row));
+    const KTypoNodePtr node = layoutMatrixOf(context, std::move(rows));
+    ASSERT_TRUE(node);
+    const KTypoNode* leaf = node.get();
+    while (leaf->kind != kTypoGlyph && !leaf->children.empty())
+        leaf = leaf->children.back().get();
+    ASSERT_EQ(leaf->kind, kTypoGlyph);
+    EXPECT_NEAR(leaf->fontSize, 10 * styleScale(KMathStyle::script), 1e-9);
+    EXPECT_LT(styleScale(KMathStyle::script), 1.0);
+}
