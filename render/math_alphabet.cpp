@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr char32_t kPartial = U'\u2202';
+
 struct Exception {
     char32_t base;
     char32_t letter;
@@ -93,7 +95,7 @@ char32_t greek(char32_t character, KLetterShape shape)
 
 bool isMathLetter(char32_t c)
 {
-    return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z') ||
+    return c == kPartial || (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z') ||
            (c >= 0x0391 && c <= 0x03A9 && c != 0x03A2) || (c >= 0x03B1 && c <= 0x03C9);
 }
 
@@ -105,6 +107,9 @@ char32_t mathAlphanumeric(char32_t c, OScript script, KLetterShape shape)
     }
     if (c >= 0x0391 && c <= 0x03C9)
         return script == OScript::roman ? greek(c, shape) : c;
+    // The partial differential sign follows the Greek letters' shapes (it sits after omega there).
+    if (c == kPartial && script == OScript::roman && shape != KLetterShape::upright)
+        return greek(U'\u03C9', shape) + 1;
     const bool capital = c >= U'A' && c <= U'Z';
     if (!capital && !(c >= U'a' && c <= U'z'))
         return c;

@@ -9,5 +9,6 @@ enum class KLetterShape : int { upright = 0, italic, bold, boldItalic };
 // alphabet has no form for it (the form is then left to the font's upright letters).
 char32_t mathAlphanumeric(char32_t character, OScript script, KLetterShape shape);
 
-// Basic Latin letters, and Greek letters (which take the italic shape in formulas too).
+// Basic Latin letters, Greek letters and the partial differential sign (which take the italic
+// shape in formulas too).
 bool isMathLetter(char32_t character);

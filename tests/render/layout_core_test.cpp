@@ -104,6 +104,9 @@ TEST(RunLayout, LettersTakeTheShapeOfTheirKindOfRun)
     EXPECT_EQ(glyphs[1].glyph->italic, 0);
     EXPECT_EQ(mathAlphanumeric(U'7', OScript::doubleStruck, KLetterShape::upright), U'\U0001D7DF');
     EXPECT_EQ(mathAlphanumeric(U'!', OScript::fraktur, KLetterShape::bold), U'!');
+    EXPECT_EQ(mathAlphanumeric(U'\u2202', OScript::roman, KLetterShape::italic), U'\U0001D715');
+    EXPECT_EQ(mathAlphanumeric(U'\u2202', OScript::roman, KLetterShape::boldItalic), U'\U0001D74F');
+    EXPECT_EQ(mathAlphanumeric(U'\u03C9', OScript::roman, KLetterShape::bold), U'\U0001D6DA');
 }
 
 TEST(Spacing, TableOfThinMediumAndThickSpaces)
