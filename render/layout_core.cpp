@@ -1,152 +1,158 @@
-// The core layout rules: runs, fractions, radicals, functions and boxes. Scripts,
-// limits and n-ary operators are in layout_scripts.cpp. Every length is a multiple
-// of the current size S; y grows downward and each node's y is its top edge.
+// Runs, functions and boxes: the characters of a run become glyphs of the math
+// font, one atom each, in the shape their run's style and alphabet ask for.
 
 #include "render/glyph_cache.h"
 #include "render/layout_engine.h"
+#include "render/math_alphabet.h"
+#include "render/math_font.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
-constexpr double kGlyphSpacing = 0.1; // × S added between the characters (code points) of a run
-constexpr double kAxisHeight = 0.25;  // × S: the math axis lies this far above the baseline
-constexpr double kFunctionGap = 0.5;  // × S between a function name and its argument
-constexpr double kRadicalUnit = 0.1;  // × S, the unit of the radical sign's geometry
-
-double barThickness(OFractionType type)
+// Characters a keyboard types that formulas draw as other characters.
+char32_t mathCharacter(char32_t c)
 {
-    switch (type) {
-    case OFractionType::bar:
-        return 1.0;
-    case OFractionType::linear:
-    case OFractionType::skewed:
-        return 0.8;
-    case OFractionType::noBar:
-        return 0.0;
+    switch (c) {
+    case U'-':
+        return U'\u2212';
+    case U'*':
+        return U'\u2217';
+    case U'\'':
+        return U'\u2032';
+    default:
+        return c;
     }
-    return 0.0;
 }
 
-const QString kBlack = QStringLiteral("#000000");
-
-} // namespace
-
-KTypoNodePtr layoutRun(const KLayoutContext& context, const ORun& run)
+bool isPrime(char32_t c)
 {
-    const double s = context.size;
+    return c == U'\u2032' || c == U'\u2033' || c == U'\u2034' || c == U'\u2057';
+}
+
+// The shape of a letter: a run without a style sets letters in italic, except capital Greek
+// and what the context keeps upright (function names).
+KLetterShape letterShape(const KLayoutContext& context, const ORun& run, char32_t c)
+{
+    if (!run.mathProps.style) {
+        // The other alphabets (double-struck, script, fraktur, sans-serif, monospace) stand upright.
+        const bool capitalGreek = c >= 0x0391 && c <= 0x03A9;
+        const bool roman = run.mathProps.script == OScript::roman;
+        return context.upright || capitalGreek || !roman ? KLetterShape::upright : KLetterShape::italic;
+    }
+    switch (*run.mathProps.style) {
+    case OStyle::plain:
+        return KLetterShape::upright;
+    case OStyle::bold:
+        return KLetterShape::bold;
+    case OStyle::italic:
+        return KLetterShape::italic;
+    case OStyle::boldItalic:
+        return KLetterShape::boldItalic;
+    }
+    return KLetterShape::upright;
+}
+
+// A glyph node for one character at `size`; a character no math font has is drawn from the
+// text font, measured by its metrics.
+std::unique_ptr<KTypoGlyph> characterGlyph(const KLayoutContext& context, char32_t character, double size)
+{
+    const KMathFont& font = KMathFont::instance();
     auto glyph = std::make_unique<KTypoGlyph>();
-    glyph->text = run.text;
-    glyph->fontSize = s;
-    glyph->fontFamily = context.font.family();
-    const OStyle style = run.mathProps.style.value_or(OStyle::plain);
-    glyph->italic = style == OStyle::italic || style == OStyle::boldItalic ? 1 : 0;
-    glyph->bold = style == OStyle::bold || style == OStyle::boldItalic ? 1 : 0;
-    if (run.wordProps.color)
-        glyph->fillColor = run.wordProps.color->name();
-    double width = 0;
-    if (!run.text.isEmpty())
-        width =
-            context.metrics.horizontalAdvance(run.text) + (characterCount(run.text) - 1) * kGlyphSpacing * s;
-    const double ascent = context.metrics.ascent();
-    const double descent = context.metrics.descent();
-    setBox(*glyph, width, ascent, descent);
+    glyph->text = QString::fromUcs4(&character, 1);
+    glyph->fontSize = size;
+    const KMathGlyph found = font.glyph(character);
+    if (!found.valid()) {
+        glyph->fontFamily = context.font.family();
+        const KGlyphFont& text = glyphFont(context.font.family(), size, false, false);
+        setBox(*glyph, text.advance(glyph->text), text.metrics().ascent(), text.metrics().descent());
+        return glyph;
+    }
+    const KMathGlyphInfo& info = font.info(found);
+    glyph->fontFamily = font.family();
+    glyph->mathFace = found.face;
+    glyph->glyphIndex = found.index;
+    glyph->italicCorrection = info.italicCorrection * size;
+    setBox(*glyph, info.advance * size, std::max(0.0, info.height * size), std::max(0.0, info.depth * size));
+    return glyph;
+}
+
+// A prime drawn as a superscript: at the script size, raised by the superscript shift.
+KTypoNodePtr raisedPrime(const KLayoutContext& context, char32_t character)
+{
+    const KLayoutContext script = scriptContext(context);
+    auto glyph = characterGlyph(script, character, script.size);
+    // The prime glyph already stands high: only what is missing to the superscript's place is added.
+    const KMathFont& font = KMathFont::instance();
+    const double inkFloor = -font.info(font.glyph(character)).depth * script.size;
+    const double shift =
+        std::max(0.0, font.constant(context.cramped ? HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP_CRAMPED
+                                                    : HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP) *
+                              context.size -
+                          inkFloor);
     auto line = makeContainer(context);
-    setBox(*line, width, ascent, descent);
+    const double ascent = glyph->ascent + shift;
+    const double bottom = std::max(0.0, glyph->bottom - shift);
+    setBox(*line, glyph->width, ascent, bottom);
     line->addChild(std::move(glyph));
     return line;
 }
 
-KTypoNodePtr layoutFraction(const KLayoutContext& context, const OFraction& fraction)
-{
-    const double s = context.size;
-    auto num = layoutList(context, fraction.num);
-    auto den = layoutList(context, fraction.den);
-    const double width = std::max(num->width, den->width);
-    const double t = barThickness(fraction.type);
-    const double axis = -kAxisHeight * s;
-    // The numerator sits on the bar and the denominator hangs under it, with no further gap.
-    const double numTop = axis - t / 2 - num->height;
-    const double barBottom = axis + t / 2;
-    num->x = (width - num->width) / 2;
-    num->y = 0;
-    den->x = (width - den->width) / 2;
-    den->y = barBottom - numTop;
-    auto line = makeContainer(context);
-    setBox(*line, width, -numTop, barBottom + den->height);
-    if (fraction.type == OFractionType::bar) {
-        auto rule = std::make_unique<KTypoStrokePath>();
-        rule->x = 0;
-        rule->y = axis - numTop - t / 2;
-        rule->width = width;
-        rule->height = t;
-        rule->penWidth = t;
-        rule->fontSize = s;
-        rule->strokeColor = kBlack;
-        line->addChild(std::move(rule));
-    }
-    line->addChild(std::move(num));
-    line->addChild(std::move(den));
-    return line;
-}
+} // namespace
 
-KTypoNodePtr layoutRadical(const KLayoutContext& context, const ORadical& radical)
+KAtomList layoutRun(const KLayoutContext& context, const ORun& run)
 {
-    const double s = context.size;
-    const double u = kRadicalUnit * s;
-    const double pen = std::max(1.0, std::floor(s / 20));
-    auto body = layoutList(context, radical.e);
-    KTypoNodePtr degree;
-    if (radical.deg && !isEmptyList(*radical.deg) && !radical.degHide)
-        degree = layoutList(scriptContext(context), *radical.deg);
-    const double ex = degree ? 2 * u + degree->width : 6 * u;
-    body->x = ex;
-    body->y = 2 * u + pen;
-    if (degree) {
-        degree->x = -u;
-        degree->y = 0;
+    KAtomList atoms;
+    const QString colour = run.wordProps.color ? run.wordProps.color->name() : QString();
+    const OScript script = run.mathProps.script;
+    for (const uint code : run.text.toUcs4()) {
+        const char32_t c = mathCharacter(code);
+        KAtom atom;
+        atom.left = atom.right = characterClass(c);
+        if (isPrime(c)) {
+            atom.node = raisedPrime(context, c);
+            atom.left = atom.right = KAtomClass::ord;
+        } else {
+            KLetterShape shape = KLetterShape::upright;
+            if (isMathLetter(c))
+                shape = letterShape(context, run, c);
+            else if (run.mathProps.style == OStyle::bold || run.mathProps.style == OStyle::boldItalic)
+                shape = KLetterShape::bold;
+            char32_t drawn = mathAlphanumeric(c, script, shape);
+            if (!KMathFont::instance().glyph(drawn).valid())
+                drawn = c;
+            auto glyph = characterGlyph(context, drawn, context.size);
+            const bool slanted = shape == KLetterShape::italic || shape == KLetterShape::boldItalic;
+            glyph->italic = slanted && (script == OScript::roman || script == OScript::sansSerif) ? 1 : 0;
+            glyph->bold = shape == KLetterShape::bold || shape == KLetterShape::boldItalic ? 1 : 0;
+            // An italic letter keeps its italic correction, as TeX's character boxes do.
+            if (glyph->italic)
+                glyph->width += glyph->italicCorrection;
+            atom.node = std::move(glyph);
+        }
+        if (!colour.isEmpty()) {
+            for (KTypoNode* n = atom.node.get(); n;
+                 n = n->children.empty() ? nullptr : n->children.front().get())
+                n->fillColor = colour;
+        }
+        atoms.push_back(std::move(atom));
     }
-    // The sign: overbar from the right end back to the hook, down the long stroke, up the short one.
-    const double yBar = u + pen;
-    const double yBot = yBar + body->height;
-    auto sign = std::make_unique<KTypoStrokePath>();
-    sign->penWidth = pen;
-    sign->fontSize = s;
-    sign->strokeColor = kBlack;
-    sign->path.moveTo(ex + body->width + 0.5 * u, yBar);
-    sign->path.lineTo(ex - 0.5 * u, yBar);
-    sign->path.lineTo(ex - 4 * u, yBot);
-    sign->path.lineTo(ex - 5.5 * u, yBot - 3 * u);
-    sign->path.lineTo(ex - 6 * u, yBot - 2 * u);
-    sign->width = ex + body->width + 0.5 * u;
-    sign->height = yBot + u;
-    auto line = makeContainer(context);
-    setBox(*line, ex + body->width + 0.5 * u, body->ascent + 2 * u + pen, body->bottom);
-    line->addChild(std::move(sign));
-    line->addChild(std::move(degree));
-    line->addChild(std::move(body));
-    return line;
+    return atoms;
 }
 
 KTypoNodePtr layoutFunction(const KLayoutContext& context, const OFunction& function)
 {
-    auto name = layoutList(context, function.fName);
-    if (isEmptyList(function.e))
-        return name;
-    auto argument = layoutList(context, function.e);
-    const double ascent = std::max(name->ascent, argument->ascent);
-    const double bottom = std::max(name->bottom, argument->bottom);
-    const double gap = kFunctionGap * context.size;
-    name->x = 0;
-    name->y = ascent - name->ascent;
-    argument->x = name->width + gap;
-    argument->y = ascent - argument->ascent;
-    auto line = makeContainer(context);
-    setBox(*line, name->width + gap + argument->width, ascent, bottom);
-    line->addChild(std::move(name));
-    line->addChild(std::move(argument));
-    return line;
+    KLayoutContext nameContext = context;
+    nameContext.upright = true;
+    KAtomList atoms;
+    atoms.push_back(KAtom{layoutList(nameContext, function.fName), KAtomClass::op, KAtomClass::op});
+    for (const KOmmlNodePtr& element : function.e) {
+        if (!element)
+            continue;
+        for (KAtom& atom : layoutAtoms(context, *element))
+            atoms.push_back(std::move(atom));
+    }
+    return joinAtoms(context, std::move(atoms));
 }
 
 KTypoNodePtr layoutBox(const KLayoutContext& context, const OBox& box)

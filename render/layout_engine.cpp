@@ -1,36 +1,109 @@
-// The layout engine's frame: contexts, containers, the horizontal list and the
-// dispatch on element kind. The rules for each kind live in the layout_*.cpp files.
+// The layout engine's frame: contexts and styles, containers, the horizontal list
+// with TeX's spaces between atoms, and the dispatch on element kind. The rules for
+// each kind live in the layout_*.cpp files.
 
 #include "render/layout_engine.h"
+
+#include "render/math_font.h"
 
 #include <algorithm>
 #include <type_traits>
 
 namespace {
 
-const QString kRenderFamily = QStringLiteral("Times New Roman");
-constexpr double kListGap = 0.1;     // × S between neighbours of a horizontal list
-constexpr double kScriptScale = 0.7; // first script level only
+const QString kTextFamily = QStringLiteral("Times New Roman");
+constexpr double kMuPerEm = 18.0;
+
+// The class an element shows its neighbours: a list of one atom keeps that atom's classes.
+KAtomClass elementClass(const KOmmlNode& node)
+{
+    if (std::holds_alternative<ONaryOperator>(node.value) || std::holds_alternative<OFunction>(node.value))
+        return KAtomClass::op;
+    if (std::holds_alternative<ODelimiter>(node.value))
+        return KAtomClass::inner;
+    return KAtomClass::ord;
+}
+
+// Scripts and limits take the class of their base when the base is one atom.
+const KOmmlNodeList* baseList(const KOmmlNode& node)
+{
+    if (const auto* e = std::get_if<OSuperscript>(&node.value))
+        return &e->e;
+    if (const auto* e = std::get_if<OSubscript>(&node.value))
+        return &e->e;
+    if (const auto* e = std::get_if<OSubSuperscript>(&node.value))
+        return &e->e;
+    if (const auto* e = std::get_if<OLimitLower>(&node.value))
+        return &e->e;
+    if (const auto* e = std::get_if<OLimitUpper>(&node.value))
+        return &e->e;
+    if (const auto* e = std::get_if<OBox>(&node.value))
+        return &e->e;
+    return nullptr;
+}
+
+// The classes of a one-character base: the class of its character, else ordinary.
+KAtomClass baseClass(const KOmmlNodeList& list)
+{
+    const KOmmlNode* only = nullptr;
+    for (const KOmmlNodePtr& element : list) {
+        if (!element)
+            continue;
+        if (only)
+            return KAtomClass::ord;
+        only = element.get();
+    }
+    if (!only)
+        return KAtomClass::ord;
+    if (const auto* run = std::get_if<ORun>(&only->value)) {
+        const QVector<uint> characters = run->text.toUcs4();
+        if (characters.size() == 1)
+            return characterClass(characters.front());
+        return KAtomClass::ord;
+    }
+    if (const KOmmlNodeList* inner = baseList(*only))
+        return baseClass(*inner);
+    return elementClass(*only);
+}
 
 } // namespace
 
 KLayoutContext makeLayoutContext(double size)
 {
     QFont font;
-    font.setFamily(kRenderFamily);
+    font.setFamily(kTextFamily);
     font.setPointSizeF(size);
-    return KLayoutContext{font, QFontMetricsF(font), size, 0, 0};
+    KLayoutContext context{font, QFontMetricsF(font), size, 0, 0};
+    context.mainSize = size;
+    return context;
+}
+
+KLayoutContext styledContext(const KLayoutContext& context, KMathStyle style, bool cramped)
+{
+    KLayoutContext styled = context;
+    styled.style = style;
+    styled.cramped = cramped;
+    const double size = context.mainSize * styleScale(style);
+    if (size != context.size) {
+        styled.size = size;
+        styled.font.setPointSizeF(size);
+        styled.metrics = QFontMetricsF(styled.font);
+    }
+    return styled;
 }
 
 KLayoutContext scriptContext(const KLayoutContext& context)
 {
-    KLayoutContext script = context;
-    if (context.scriptLevel == 0) {
-        script.size = kScriptScale * context.size;
-        script.font.setPointSizeF(script.size);
-        script.metrics = QFontMetricsF(script.font);
-    }
+    KLayoutContext script = styledContext(context, scriptStyle(context.style), context.cramped);
+    script.upright = false;
     ++script.scriptLevel;
+    return script;
+}
+
+KLayoutContext subscriptContext(const KLayoutContext& context)
+{
+    KLayoutContext script = scriptContext(context);
+    script.cramped = true;
     return script;
 }
 
@@ -56,23 +129,35 @@ bool isEmptyList(const KOmmlNodeList& list)
     return std::none_of(list.begin(), list.end(), [](const KOmmlNodePtr& node) { return node != nullptr; });
 }
 
-std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmmlNodeList& list)
+const KTypoGlyph* singleGlyph(const KTypoNode& node)
 {
+    const KTypoNode* current = &node;
+    while (current->kind == kTypoLine && current->children.size() == 1)
+        current = current->children.front().get();
+    const auto* glyph = current->kind == kTypoGlyph ? static_cast<const KTypoGlyph*>(current) : nullptr;
+    return glyph && glyph->mathFace >= 0 ? glyph : nullptr;
+}
+
+std::unique_ptr<KTypoLine> joinAtoms(const KLayoutContext& context, KAtomList atoms)
+{
+    // Binary operators without two operands become ordinary, left to right.
+    for (size_t i = 0; i < atoms.size(); ++i) {
+        if (atoms[i].left != KAtomClass::bin)
+            continue;
+        const KAtomClass* previous = i > 0 ? &atoms[i - 1].right : nullptr;
+        const KAtomClass* next = i + 1 < atoms.size() ? &atoms[i + 1].left : nullptr;
+        if (binaryActsAsOrdinary(previous, next))
+            atoms[i].left = atoms[i].right = KAtomClass::ord;
+    }
     auto line = makeContainer(context);
-    const double gap = kListGap * context.size;
+    const double mu = context.size / kMuPerEm;
     double x = 0;
     double ascent = 0;
     double bottom = 0;
-    bool first = true;
-    for (const KOmmlNodePtr& element : list) {
-        if (!element)
-            continue;
-        KTypoNodePtr child = layoutElement(context, *element);
-        if (!child)
-            continue;
-        if (!first)
-            x += gap;
-        first = false;
+    for (size_t i = 0; i < atoms.size(); ++i) {
+        KTypoNodePtr& child = atoms[i].node;
+        if (i > 0)
+            x += mu * interAtomSpace(atoms[i - 1].right, atoms[i].left, context.style);
         child->x = x;
         child->y = 0;
         x += child->width;
@@ -86,6 +171,44 @@ std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmml
     return line;
 }
 
+std::unique_ptr<KTypoLine> layoutList(const KLayoutContext& context, const KOmmlNodeList& list)
+{
+    KAtomList atoms;
+    for (const KOmmlNodePtr& element : list) {
+        if (!element)
+            continue;
+        KAtomList more = layoutAtoms(context, *element);
+        for (KAtom& atom : more)
+            atoms.push_back(std::move(atom));
+    }
+    return joinAtoms(context, std::move(atoms));
+}
+
+KAtomList layoutAtoms(const KLayoutContext& context, const KOmmlNode& node)
+{
+    if (const auto* run = std::get_if<ORun>(&node.value)) {
+        if (context.depth >= kMaxLayoutDepth)
+            return {};
+        KLayoutContext inner = context;
+        ++inner.depth;
+        return layoutRun(inner, *run);
+    }
+    KTypoNodePtr laid = layoutElement(context, node);
+    KAtomList atoms;
+    if (!laid)
+        return atoms;
+    KAtom atom{std::move(laid)};
+    if (const KOmmlNodeList* base = baseList(node))
+        atom.left = atom.right = baseClass(*base);
+    else
+        atom.left = atom.right = elementClass(node);
+    // An operator followed by its argument shows the argument's side to the right.
+    if (std::holds_alternative<OFunction>(node.value) || std::holds_alternative<ONaryOperator>(node.value))
+        atom.right = KAtomClass::ord;
+    atoms.push_back(std::move(atom));
+    return atoms;
+}
+
 KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node)
 {
     if (context.depth >= kMaxLayoutDepth)
@@ -96,7 +219,7 @@ KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node)
         [&inner](const auto& element) -> KTypoNodePtr {
             using T = std::decay_t<decltype(element)>;
             if constexpr (std::is_same_v<T, ORun>)
-                return layoutRun(inner, element);
+                return joinAtoms(inner, layoutRun(inner, element));
             else if constexpr (std::is_same_v<T, OFraction>)
                 return layoutFraction(inner, element);
             else if constexpr (std::is_same_v<T, OSuperscript>)

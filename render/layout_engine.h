@@ -1,9 +1,11 @@
 #pragma once
 // The layout engine's shared pieces, used by every layout rule in render/:
 // the context passed down the recursion, containers, and the dispatch entry points.
-// Every length is a multiple of the current font size S, in points.
+// Lengths are in points: the math font's em-based values times the current size S.
 
 #include "omml/omml_model.h"
+#include "render/math_font.h"
+#include "render/math_style.h"
 #include "render/typo_node.h"
 
 #include <QFont>
@@ -13,17 +15,46 @@
 
 // Passed by value (or const reference) down the recursion.
 struct KLayoutContext {
-    QFont font;            // family "Times New Roman", point size `size`
+    QFont font;            // family "Times New Roman", point size `size` (text of decorations and tables)
     QFontMetricsF metrics; // of font
-    double size = 0;       // S
+    double size = 0;       // S: the main size scaled for the style
     int scriptLevel = 0;   // 0 on the main line
     int depth = 0;         // nesting depth of layoutElement, for the recursion guard
+    double mainSize = 0;   // the size the formula was asked for
+    KMathStyle style = KMathStyle::display;
+    bool cramped = false; // superscripts are raised less (denominators, subscripts, radicands)
+    bool upright = false; // letters stay upright (function names)
 };
 
-// Main-line context at `size` points.
+// Main-line context at `size` points, in display style.
 KLayoutContext makeLayoutContext(double size);
-// Scripts and limits: only the first level shrinks to 0.7 x S; the level always counts up.
+// The context in another style, sized for it.
+KLayoutContext styledContext(const KLayoutContext& context, KMathStyle style, bool cramped);
+// Superscripts and upper limits: the script style; the level counts up.
 KLayoutContext scriptContext(const KLayoutContext& context);
+// Subscripts and lower limits: as scriptContext, cramped.
+KLayoutContext subscriptContext(const KLayoutContext& context);
+// One em of the math font at the context's size, in points.
+inline double em(const KLayoutContext& context, double value)
+{
+    return value * context.size;
+}
+
+// A laid-out item of a horizontal list and its classes on either side for the spacing.
+struct KAtom {
+    KTypoNodePtr node;
+    KAtomClass left = KAtomClass::ord;
+    KAtomClass right = KAtomClass::ord;
+};
+using KAtomList = std::vector<KAtom>;
+
+// The atoms of one element (a run gives one per character); empty for kinds that draw nothing.
+KAtomList layoutAtoms(const KLayoutContext& context, const KOmmlNode& node);
+// Atoms side by side with TeX's spaces between them, in one container.
+std::unique_ptr<KTypoLine> joinAtoms(const KLayoutContext& context, KAtomList atoms);
+// The glyph a box consists of, when it is one character of the math font (through containers
+// with one child each); null otherwise.
+const KTypoGlyph* singleGlyph(const KTypoNode& node);
 
 // An empty container (kind 1) carrying the context's font size and family.
 std::unique_ptr<KTypoLine> makeContainer(const KLayoutContext& context);
@@ -37,11 +68,24 @@ bool isEmptyList(const KOmmlNodeList& list);
 // Lays out one element by its kind; null for kinds that draw nothing and past the depth guard.
 KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node);
 
+// Glyphs of the math font (layout_glyphs.cpp).
+// A MATH constant of the font in points at the context's size.
+double mathConstant(const KLayoutContext& context, hb_ot_math_constant_t constant);
+// One glyph of the math font at the context's size, its box the glyph's ink height and depth.
+std::unique_ptr<KTypoGlyph> mathGlyphNode(const KLayoutContext& context, KMathGlyph glyph,
+                                          const QString& text);
+// The character grown upward to cover at least `height` points: the first of the font's larger
+// forms that is tall enough, else its assembly of pieces, else the largest form. The box keeps
+// the ink's height and depth around the baseline.
+KTypoNodePtr verticalGlyph(const KLayoutContext& context, char32_t character, double height);
+
 // Nesting deeper than this lays out to nothing instead of exhausting the stack.
 inline constexpr int kMaxLayoutDepth = 512;
 
-// The core rules (layout_core.cpp).
-KTypoNodePtr layoutRun(const KLayoutContext& context, const ORun& run);
+// The core rules (layout_core.cpp); a run gives one atom per character.
+KAtomList layoutRun(const KLayoutContext& context, const ORun& run);
+// Fractions (layout_fraction.cpp), radicals (layout_radical.cpp), scripts (layout_scripts.cpp),
+// large operators and limits (layout_limits.cpp).
 KTypoNodePtr layoutFraction(const KLayoutContext& context, const OFraction& fraction);
 KTypoNodePtr layoutSuperscript(const KLayoutContext& context, const OSuperscript& script);
 KTypoNodePtr layoutSubscript(const KLayoutContext& context, const OSubscript& script);

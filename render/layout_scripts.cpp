@@ -1,214 +1,110 @@
-// Scripts, stacked limits and n-ary operators. Scripts and limits are laid out
-// in the script context (0.7 x S on the first level only).
+// Superscripts and subscripts: shifted by the font's script constants, kept clear
+// of each other and of the base, the superscript after the base's italic correction.
 
 #include "render/layout_engine.h"
 
-#include "render/outlines.h"
+#include "render/layout_scripts.h"
 
 #include <algorithm>
 
-namespace {
-
-constexpr double kSupRaise = 0.7;         // × base ascent, superscript alone
-constexpr double kSupRaiseWithSub = 0.5;  // × base ascent, with a subscript too
-constexpr double kSubDrop = 0.5;          // × base depth
-constexpr double kScriptGap = 0.1;        // × S, the least clearance between the two scripts
-constexpr double kLimitGap = 0.1;         // × S between a base and its stacked limits or body
-constexpr double kNaryHeight = 2.0;       // × S, the operator's height
-constexpr double kAxisHeight = 0.25;      // × S above the baseline
-constexpr char16_t kIntegral = u'\u222B'; // the operator when none is given
-
-// Base with superscript and/or subscript attached at its right; the base alone without either.
 KTypoNodePtr attachScripts(const KLayoutContext& context, KTypoNodePtr base, KTypoNodePtr sup,
-                           KTypoNodePtr sub)
+                           KTypoNodePtr sub, const KScriptBase& kind)
 {
     if (!sup && !sub)
         return base;
-    const double s = context.size;
-    const double a = base->ascent;
-    const double d = base->bottom;
-    double supBaseline = 0;
-    double supTop = 0;
-    if (sup) {
-        supBaseline = -(sub ? kSupRaiseWithSub : kSupRaise) * a;
-        supTop = supBaseline - sup->ascent;
+    auto c = [&context](hb_ot_math_constant_t constant) { return mathConstant(context, constant); };
+    // A lone character keeps its scripts at the font's shifts; a bigger base lets them follow its edges.
+    double up = 0;
+    double down = 0;
+    if (!kind.character) {
+        up = base->ascent - c(HB_OT_MATH_CONSTANT_SUPERSCRIPT_BASELINE_DROP_MAX);
+        down = base->bottom + c(HB_OT_MATH_CONSTANT_SUBSCRIPT_BASELINE_DROP_MIN);
     }
-    double shift = 0;
-    double subBottom = 0;
+    if (sup) {
+        up = std::max({up,
+                       c(context.cramped ? HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP_CRAMPED
+                                         : HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP),
+                       sup->bottom + c(HB_OT_MATH_CONSTANT_SUPERSCRIPT_BOTTOM_MIN)});
+    }
     if (sub) {
-        shift = std::max(0.2 * d, kSubDrop * d);
-        subBottom = shift + sub->height;
+        down = std::max(down, c(HB_OT_MATH_CONSTANT_SUBSCRIPT_SHIFT_DOWN));
+        if (!sup)
+            down = std::max(down, sub->ascent - c(HB_OT_MATH_CONSTANT_SUBSCRIPT_TOP_MAX));
     }
     if (sup && sub) {
-        const double t = supBaseline - shift + sub->ascent;
-        if (kScriptGap * s > t) {
-            const double delta = (kScriptGap * s - t) / 2;
-            supBaseline -= delta;
-            supTop -= delta;
-            shift += delta;
-            subBottom += delta;
+        const double gap = (up - sup->bottom) - (sub->ascent - down);
+        const double minGap = c(HB_OT_MATH_CONSTANT_SUB_SUPERSCRIPT_GAP_MIN);
+        if (gap < minGap) {
+            down += minGap - gap;
+            const double lift =
+                c(HB_OT_MATH_CONSTANT_SUPERSCRIPT_BOTTOM_MAX_WITH_SUBSCRIPT) - (up - sup->bottom);
+            if (lift > 0) {
+                up += lift;
+                down -= lift;
+            }
         }
     }
-    const double top = sup ? std::min(supTop, -a) : -a;
-    const double bottom = sub ? std::max(subBottom, d) : d;
+    const double ascent = std::max(base->ascent, sup ? up + sup->ascent : 0.0);
+    const double bottom = std::max(base->bottom, sub ? down + sub->bottom : 0.0);
     const double baseWidth = base->width;
     base->x = 0;
-    base->y = -top - a;
-    double scriptWidth = 0;
+    base->y = ascent - base->ascent;
+    double end = baseWidth;
     if (sup) {
-        sup->x = baseWidth;
-        sup->y = supTop - top;
-        scriptWidth = std::max(scriptWidth, sup->width);
+        sup->x = baseWidth + kind.superscriptShift;
+        sup->y = ascent - up - sup->ascent;
+        end = std::max(end, sup->x + sup->width);
     }
     if (sub) {
-        sub->x = baseWidth;
-        sub->y = shift - top - sub->ascent;
-        scriptWidth = std::max(scriptWidth, sub->width);
+        sub->x = baseWidth - kind.subscriptShift;
+        sub->y = ascent + down - sub->ascent;
+        end = std::max(end, sub->x + sub->width);
     }
     auto line = makeContainer(context);
-    setBox(*line, baseWidth + scriptWidth, -top, bottom);
+    setBox(*line, end + c(HB_OT_MATH_CONSTANT_SPACE_AFTER_SCRIPT), ascent, bottom);
     line->addChild(std::move(base));
     line->addChild(std::move(sup));
     line->addChild(std::move(sub));
     return line;
 }
 
-// Puts the n-ary body g to the right of a container whose extents around its
-// baseline are top and bottom; when the body rises higher, the rest moves down.
-void appendBody(const KLayoutContext& context, KTypoLine& line, double top, double bottom, KTypoNodePtr body)
+namespace {
+
+// A base of one character moves its subscript under its italic overhang.
+KScriptBase baseKind(const KTypoNode& base)
 {
-    const double g = kLimitGap * context.size;
-    double ascent = -top;
-    body->x = line.width + g;
-    body->y = -top - body->ascent;
-    if (top > -body->ascent) {
-        const double down = top + body->ascent;
-        for (KTypoNodePtr& child : line.children)
-            child->moveBy(0, down);
-        ascent = body->ascent;
-        body->y = 0;
+    KScriptBase kind;
+    if (const KTypoGlyph* glyph = singleGlyph(base)) {
+        kind.character = true;
+        if (glyph->italic)
+            kind.subscriptShift = glyph->italicCorrection;
     }
-    setBox(line, line.width + g + body->width, ascent, std::max(bottom, body->bottom));
-    line.addChild(std::move(body));
+    return kind;
 }
 
-// A base with an optional limit over and under it, centred in one column, and an optional body after it.
-KTypoNodePtr stackLimits(const KLayoutContext& context, KTypoNodePtr base, KTypoNodePtr over,
-                         KTypoNodePtr under, KTypoNodePtr body)
+KTypoNodePtr scripted(const KLayoutContext& context, const KOmmlNodeList& e, const KOmmlNodeList* sup,
+                      const KOmmlNodeList* sub)
 {
-    const double g = kLimitGap * context.size;
-    const double a = base->ascent;
-    double width = base->width;
-    if (over)
-        width = std::max(width, over->width);
-    if (under)
-        width = std::max(width, under->width);
-    const double top = over ? -a - g - over->height : -a;
-    const double bottom = under ? base->bottom + g + under->height : base->bottom;
-    // The base's baseline sits g above the container's: the base touches the upper limit.
-    const double baseBottom = base->bottom;
-    base->x = (width - base->width) / 2;
-    base->y = -top - a - g;
-    if (over) {
-        over->x = (width - over->width) / 2;
-        over->y = 0;
-    }
-    if (under) {
-        under->x = (width - under->width) / 2;
-        under->y = baseBottom + g - top;
-    }
-    auto line = makeContainer(context);
-    setBox(*line, width, -top, bottom);
-    line->addChild(std::move(base));
-    line->addChild(std::move(over));
-    line->addChild(std::move(under));
-    if (body)
-        appendBody(context, *line, top, bottom, std::move(body));
-    return line;
-}
-
-KTypoNodePtr naryGlyph(const KLayoutContext& context, const QString& chr)
-{
-    const double s = context.size;
-    const double height = kNaryHeight * s;
-    auto glyph = std::make_unique<KTypoGrowGlyph>();
-    glyph->text = chr;
-    glyph->fontSize = s;
-    glyph->fontFamily = context.font.family();
-    glyph->growColor = QStringLiteral("#000000");
-    glyph->scale = kNaryHeight;
-    double width = height;
-    const outlines::KOperatorOutline entry = outlines::outline(chr.at(0).unicode());
-    if (outlines::hasOutline(chr.at(0).unicode()) && entry.height > 0)
-        width = height * (entry.width / entry.height);
-    // Centred on the math axis.
-    setBox(*glyph, width, kAxisHeight * s + 0.5 * height, 0.5 * height - kAxisHeight * s);
-    return glyph;
-}
-
-KTypoNodePtr optionalList(const KLayoutContext& context, const KOmmlNodeList& list, bool hidden)
-{
-    if (hidden || isEmptyList(list))
-        return nullptr;
-    return layoutList(context, list);
+    auto base = layoutList(context, e);
+    const KScriptBase kind = baseKind(*base);
+    KTypoNodePtr upper = sup ? layoutList(scriptContext(context), *sup) : nullptr;
+    KTypoNodePtr lower = sub ? layoutList(subscriptContext(context), *sub) : nullptr;
+    return attachScripts(context, std::move(base), std::move(upper), std::move(lower), kind);
 }
 
 } // namespace
 
 KTypoNodePtr layoutSuperscript(const KLayoutContext& context, const OSuperscript& script)
 {
-    return attachScripts(context, layoutList(context, script.e),
-                         layoutList(scriptContext(context), script.sup), nullptr);
+    return scripted(context, script.e, &script.sup, nullptr);
 }
 
 KTypoNodePtr layoutSubscript(const KLayoutContext& context, const OSubscript& script)
 {
-    return attachScripts(context, layoutList(context, script.e), nullptr,
-                         layoutList(scriptContext(context), script.sub));
+    return scripted(context, script.e, nullptr, &script.sub);
 }
 
 KTypoNodePtr layoutSubSuperscript(const KLayoutContext& context, const OSubSuperscript& script)
 {
-    const KLayoutContext scripts = scriptContext(context);
-    return attachScripts(context, layoutList(context, script.e), layoutList(scripts, script.sup),
-                         layoutList(scripts, script.sub));
-}
-
-KTypoNodePtr layoutNary(const KLayoutContext& context, const ONaryOperator& nary)
-{
-    const QString chr = nary.chr.isEmpty() ? QString(QChar(kIntegral)) : nary.chr;
-    const KLayoutContext scripts = scriptContext(context);
-    KTypoNodePtr upper = optionalList(scripts, nary.sup, nary.supHide);
-    KTypoNodePtr lower = optionalList(scripts, nary.sub, nary.subHide);
-    KTypoNodePtr body = layoutList(context, nary.e);
-    if (nary.limLoc == OLimitLocation::undOvr)
-        return stackLimits(context, naryGlyph(context, chr), std::move(upper), std::move(lower),
-                           std::move(body));
-    KTypoNodePtr scripted =
-        attachScripts(context, naryGlyph(context, chr), std::move(upper), std::move(lower));
-    auto line = makeContainer(context);
-    const double top = -scripted->ascent;
-    const double bottom = scripted->bottom;
-    setBox(*line, scripted->width, scripted->ascent, bottom);
-    line->addChild(std::move(scripted));
-    appendBody(context, *line, top, bottom, std::move(body));
-    return line;
-}
-
-KTypoNodePtr layoutLimitLower(const KLayoutContext& context, const OLimitLower& limit)
-{
-    auto base = layoutList(context, limit.e);
-    if (isEmptyList(limit.lim))
-        return base;
-    return stackLimits(context, std::move(base), nullptr, layoutList(scriptContext(context), limit.lim),
-                       nullptr);
-}
-
-KTypoNodePtr layoutLimitUpper(const KLayoutContext& context, const OLimitUpper& limit)
-{
-    auto base = layoutList(context, limit.e);
-    if (isEmptyList(limit.lim))
-        return base;
-    return stackLimits(context, std::move(base), layoutList(scriptContext(context), limit.lim), nullptr,
-                       nullptr);
+    return scripted(context, script.e, &script.sup, &script.sub);
 }

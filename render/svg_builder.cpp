@@ -4,6 +4,7 @@
 #include "render/svg_builder.h"
 
 #include "render/glyph_cache.h"
+#include "render/math_font.h"
 #include "render/outlines.h"
 
 #include <QBuffer>
@@ -43,6 +44,19 @@ void paintGlyph(QPainter& painter, const KTypoNode& node, double x, double y)
 {
     if (node.text.isEmpty())
         return;
+    const auto* glyph = dynamic_cast<const KTypoGlyph*>(&node);
+    if (glyph && glyph->mathFace >= 0) {
+        // One glyph of the math font: its outline in em, scaled to the size, origin on the baseline.
+        if (!finite(x, y, node.ascent) || !std::isfinite(node.fontSize))
+            return;
+        const KMathGlyphInfo& info =
+            KMathFont::instance().info(KMathGlyph{glyph->mathFace, glyph->glyphIndex});
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(colourOr(node.fillColor, kBlack)));
+        painter.drawPath(
+            QTransform(node.fontSize, 0, 0, node.fontSize, x, y + node.ascent).map(info.outline));
+        return;
+    }
     const KGlyphFont& font = glyphFont(node.fontFamily, node.fontSize, node.italic == 1, node.bold == 1);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(colourOr(node.fillColor, kBlack)));

@@ -68,9 +68,13 @@ struct KTypoLine : KTypoNode {
     KTypoLine() : KTypoNode(kTypoLine) {}
 };
 
-// A run of text, painted character by character.
+// A run of text, painted character by character; or, with a math font glyph set
+// (mathFace not negative), that one glyph of the math font scaled to fontSize.
 struct KTypoGlyph : KTypoNode {
     KTypoGlyph() : KTypoNode(kTypoGlyph) {}
+    int mathFace = -1;
+    unsigned glyphIndex = 0;
+    double italicCorrection = 0; // points
 };
 
 // A stroked outline; with an empty path, a horizontal rule through the middle of the box.

@@ -5,6 +5,7 @@ ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${FORMULACONV_BUILD_DIR:-$ROOT/build}"
 PACKAGES=(cmake ninja-build g++ qtbase5-dev libqt5svg5-dev libgtest-dev fontconfig fonts-liberation fonts-stix
     fonts-dejavu-core librsvg2-bin
+    fonts-texgyre-math libharfbuzz-dev libfontconfig-dev
     pkg-config python3 python3-venv python3-pip python3-setuptools python3-pytest python3-docx
     python3-dask python3-distributed)
 # Extra configure arguments of the build in $BUILD (the checked builds set them).

@@ -63,11 +63,11 @@ TEST(AccentLayout, SitsCentredAboveTheBaseAndStretchesUnlessFixedWidth)
         EXPECT_NEAR(glyph.width, ink.width() * scale, kEps);
         EXPECT_NEAR(glyph.ascent, -ink.y(), kEps);
         const double width = std::max(glyph.width, w);
-        const double top = -lineAscent(context) - 0.05 * size - (measured.bottom - ink.y());
+        const double top = -runAscent(context, c.base) - 0.05 * size - (measured.bottom - ink.y());
         EXPECT_NEAR(node->width, width, kEps);
         EXPECT_NEAR(node->ascent, -top, kEps);
         EXPECT_NEAR(base.x, (width - w) / 2, kEps);
-        EXPECT_NEAR(base.y, -top - lineAscent(context), kEps);
+        EXPECT_NEAR(base.y, -top - runAscent(context, c.base), kEps);
         EXPECT_NEAR(glyph.x, (width - glyph.width) / 2 - ink.x() * scale, kEps);
     }
 }
@@ -86,7 +86,7 @@ TEST(AccentLayout, InklessCharacterFallsBackToAHalfEmBox)
     EXPECT_NEAR(glyph.ascent, 0.25 * size, kEps);
     EXPECT_NEAR(glyph.bottom, 0, kEps);
     EXPECT_NEAR(glyph.x, (node->width - glyph.width) / 2 + 0.25 * size * scaleX, kEps);
-    EXPECT_NEAR(node->ascent, lineAscent(context) + 0.05 * size + 0.25 * size, kEps);
+    EXPECT_NEAR(node->ascent, runAscent(context, "abc") + 0.05 * size + 0.25 * size, kEps);
 }
 
 TEST(AccentLayout, EmptyBaseStillCarriesTheAccent)
@@ -126,11 +126,11 @@ TEST(BarLayout, RuleAboveOrBelowTheBase)
             ASSERT_EQ(line.size(), 1u);
             EXPECT_TRUE(line[0].x1 == 0 && line[0].y1 == 0 && line[0].x2 == w && line[0].y2 == 0);
             EXPECT_NEAR(node->width, w, kEps);
-            EXPECT_NEAR(node->height, lineHeight(context) + 0.1 * size + t, kEps);
+            EXPECT_NEAR(node->height, runHeight(context, "ab") + 0.1 * size + t, kEps);
             const bool above = pos == OPosition::top;
-            EXPECT_NEAR(rule.y, above ? 0 : lineHeight(context) + 0.1 * size, kEps);
+            EXPECT_NEAR(rule.y, above ? 0 : runHeight(context, "ab") + 0.1 * size, kEps);
             EXPECT_NEAR(base.y, above ? 0.1 * size + t : 0, kEps);
-            EXPECT_NEAR(node->ascent, lineAscent(context) + (above ? 0.1 * size + t : 0), kEps);
+            EXPECT_NEAR(node->ascent, runAscent(context, "ab") + (above ? 0.1 * size + t : 0), kEps);
         }
     }
 }
@@ -145,7 +145,7 @@ TEST(BorderBoxLayout, DrawsTheSidesAndStrikesAskedForAndKeepsItsSize)
     const double pad = 0.15 * size;
     const double h = p / 2;
     const double W = runWidth(context, "x") + 2 * p + 2 * pad;
-    const double H = lineHeight(context) + 2 * p + 2 * pad;
+    const double H = runHeight(context, "x") + 2 * p + 2 * pad;
     // Sides: Top, Right, Bottom, Left; strikes: Horizontal, Vertical, Up (bottom-left to top-right), Down.
     const std::map<char, Segment> segment = {{'T', {h, h, W - h, h}},         {'R', {W - h, h, W - h, H - h}},
                                              {'B', {W - h, H - h, h, H - h}}, {'L', {h, H - h, h, h}},
@@ -174,7 +174,7 @@ TEST(BorderBoxLayout, DrawsTheSidesAndStrikesAskedForAndKeepsItsSize)
         ASSERT_TRUE(node);
         EXPECT_NEAR(node->width, W, kEps);
         EXPECT_NEAR(node->height, H, kEps);
-        EXPECT_NEAR(node->ascent, lineAscent(context) + pad + p, kEps);
+        EXPECT_NEAR(node->ascent, runAscent(context, "x") + pad + p, kEps);
         EXPECT_NEAR(node->children.back()->x, pad + p, kEps);
         EXPECT_NEAR(node->children.back()->y, pad + p, kEps);
         const std::string expected = drawnSides;
@@ -234,7 +234,7 @@ TEST(GroupCharLayout, BraceOrientationFollowsTheCharacterAndPlaceFollowsPos)
         EXPECT_NEAR(brace.height, 0.25 * size, kEps);
         EXPECT_NEAR(brace.penWidth, std::max(1.0, 0.04 * size), kEps);
         EXPECT_NEAR(node->width, W, kEps);
-        EXPECT_NEAR(node->height, lineHeight(context) + 0.33 * size, kEps);
+        EXPECT_NEAR(node->height, runHeight(context, c.base) + 0.33 * size, kEps);
         EXPECT_NEAR(base.x, (W - w) / 2, kEps);
         const QRectF bounds = brace.path.boundingRect();
         EXPECT_NEAR(bounds.width(), W, kEps);
@@ -251,8 +251,8 @@ TEST(GroupCharLayout, BraceOrientationFollowsTheCharacterAndPlaceFollowsPos)
         EXPECT_NEAR(brace.path.elementAt(0).y, c.tipDown ? 0 : 0.25 * size, kEps);
         const bool below = c.pos == OPosition::bottom;
         EXPECT_NEAR(base.y, below ? 0 : 0.33 * size, kEps);
-        EXPECT_NEAR(brace.y, below ? lineHeight(context) + 0.08 * size : 0, kEps);
-        EXPECT_NEAR(node->ascent, lineAscent(context) + (below ? 0 : 0.33 * size), kEps);
+        EXPECT_NEAR(brace.y, below ? runHeight(context, c.base) + 0.08 * size : 0, kEps);
+        EXPECT_NEAR(node->ascent, runAscent(context, c.base) + (below ? 0 : 0.33 * size), kEps);
     }
 }
 

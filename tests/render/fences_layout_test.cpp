@@ -52,9 +52,9 @@ TEST(DelimiterFences, EncloseTheBodyWithAMarginAndAGapPerDrawnFence)
             const double u = 0.1 * size;
             const double gap = 0.25 * size;
             const double bodyWidth = runWidth(context, QStringLiteral("x+1"));
-            const double height = lineHeight(context) + 2 * u;
+            const double height = runHeight(context, QStringLiteral("x+1")) + 2 * u;
             EXPECT_NEAR(node->height, height, kEps);
-            EXPECT_NEAR(node->ascent, u + lineAscent(context), kEps);
+            EXPECT_NEAR(node->ascent, u + runAscent(context, QStringLiteral("x+1")), kEps);
             ASSERT_EQ(node->children.size(), (c.begFactor > 0) + (c.endFactor > 0) + 1u);
             std::size_t index = 0;
             double x = 0;

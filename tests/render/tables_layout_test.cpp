@@ -48,12 +48,14 @@ TEST(MatrixLayout, TwoByTwoIsTwoPaddedColumnsAndOneGapWide)
     ASSERT_EQ(node->children.size(), 4u);
 
     // Each row: 1 pt margin, a line, 1 pt margin; 2 pt between rows.
-    const double rowHeight = 1 + lineHeight(context) + 1;
+    const double rowHeight = 1 + runHeight(context, "ab") + 1;
     const double total = 2 * rowHeight + 2;
     EXPECT_NEAR(node->height, total, kEps);
     EXPECT_NEAR(node->ascent, total / 2 + 2.5, kEps);
-    EXPECT_NEAR(node->children[0]->y, 1, kEps);
-    EXPECT_NEAR(node->children[2]->y, rowHeight + 2 + 1, kEps);
+    // Cells share their row's baseline: the shorter letter starts lower.
+    EXPECT_NEAR(node->children[0]->y, 1 + runAscent(context, "ab") - runAscent(context, "a"), kEps);
+    EXPECT_NEAR(node->children[2]->y, rowHeight + 2 + 1 + runAscent(context, "ab") - runAscent(context, "b"),
+                kEps);
 }
 
 TEST(MatrixLayout, ColumnsTakeTheirWidestCellAndTheirJustification)
@@ -89,7 +91,7 @@ TEST(MatrixLayout, EmptyRowTakesTheRoomOfALine)
     const KLayoutContext context = makeLayoutContext(size);
     const KTypoNodePtr node = layoutMatrixOf(context, rowsOf({{"a"}, {""}, {"a"}}));
     ASSERT_TRUE(node);
-    const double full = 2 + lineHeight(context);
+    const double full = 2 + runHeight(context, "a");
     const double empty = 2 + 0.7 * size + 0.3 * size;
     EXPECT_NEAR(node->height, 2 * full + empty + 2 * 2, kEps);
     // The empty cell's baseline: its row top, the margin and the assumed ascent.
@@ -145,12 +147,13 @@ TEST(EquationArrayLayout, RowsStackFlushLeftWithAGapAndCentreOnTheAxis)
     const KTypoNodePtr node = layoutElement(context, *makeOmmlNode(std::move(array)));
     ASSERT_TRUE(node);
     ASSERT_EQ(node->children.size(), 3u);
-    const double line = lineHeight(context);
-    const double total = line + 10 + line + 2 * 3;
+    const double first = runHeight(context, "a=b");
+    const double last = runHeight(context, "c=dddd");
+    const double total = first + 10 + last + 2 * 3;
     EXPECT_NEAR(node->height, total, kEps);
     EXPECT_NEAR(node->ascent, total / 2 + 2.5, kEps);
     EXPECT_NEAR(node->width, runWidth(context, "c=dddd"), kEps);
-    const double ys[] = {0, line + 3, line + 3 + 10 + 3};
+    const double ys[] = {0, first + 3, first + 3 + 10 + 3};
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_NEAR(node->children[i]->x, 0, kEps) << i;
         EXPECT_NEAR(node->children[i]->y, ys[i], kEps) << i;
@@ -167,8 +170,8 @@ TEST(EquationArrayLayout, WithoutRowsLaysOutToNothingAndOneRowIsThatRow)
     one.rows.push_back(runs("x"));
     const KTypoNodePtr node = layoutElement(context, *makeOmmlNode(std::move(one)));
     ASSERT_TRUE(node);
-    EXPECT_NEAR(node->height, lineHeight(context), kEps);
-    EXPECT_NEAR(node->ascent, lineHeight(context) / 2 + 2.5, kEps);
+    EXPECT_NEAR(node->height, runHeight(context, "x"), kEps);
+    EXPECT_NEAR(node->ascent, runHeight(context, "x") / 2 + 2.5, kEps);
 }
 
 } // namespace
