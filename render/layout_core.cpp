@@ -25,11 +25,6 @@ char32_t mathCharacter(char32_t c)
     }
 }
 
-bool isPrime(char32_t c)
-{
-    return c == U'\u2032' || c == U'\u2033' || c == U'\u2034' || c == U'\u2057';
-}
-
 // The shape of a letter: a run without a style sets letters in italic, except capital Greek
 // and what the context keeps upright (function names).
 KLetterShape letterShape(const KLayoutContext& context, const ORun& run, char32_t c)
@@ -77,27 +72,6 @@ std::unique_ptr<KTypoGlyph> characterGlyph(const KLayoutContext& context, char32
     return glyph;
 }
 
-// A prime drawn as a superscript: at the script size, raised by the superscript shift.
-KTypoNodePtr raisedPrime(const KLayoutContext& context, char32_t character)
-{
-    const KLayoutContext script = scriptContext(context);
-    auto glyph = characterGlyph(script, character, script.size);
-    // The prime glyph already stands high: only what is missing to the superscript's place is added.
-    const KMathFont& font = KMathFont::instance();
-    const double inkFloor = -font.info(font.glyph(character)).depth * script.size;
-    const double shift =
-        std::max(0.0, font.constant(context.cramped ? HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP_CRAMPED
-                                                    : HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP) *
-                              context.size -
-                          inkFloor);
-    auto line = makeContainer(context);
-    const double ascent = glyph->ascent + shift;
-    const double bottom = std::max(0.0, glyph->bottom - shift);
-    setBox(*line, glyph->width, ascent, bottom);
-    line->addChild(std::move(glyph));
-    return line;
-}
-
 } // namespace
 
 KAtomList layoutRun(const KLayoutContext& context, const ORun& run)
@@ -110,7 +84,8 @@ KAtomList layoutRun(const KLayoutContext& context, const ORun& run)
         KAtom atom;
         atom.left = atom.right = characterClass(c);
         if (isPrime(c)) {
-            atom.node = raisedPrime(context, c);
+            // The font's prime already stands at a superscript's height and size.
+            atom.node = characterGlyph(context, c, context.size);
             atom.left = atom.right = KAtomClass::ord;
         } else {
             KLetterShape shape = KLetterShape::upright;

@@ -129,6 +129,29 @@ bool isEmptyList(const KOmmlNodeList& list)
     return std::none_of(list.begin(), list.end(), [](const KOmmlNodePtr& node) { return node != nullptr; });
 }
 
+bool isPrime(char32_t c)
+{
+    return c == U'\'' || c == U'\u2032' || c == U'\u2033' || c == U'\u2034' || c == U'\u2057';
+}
+
+bool isPrimesOnly(const KOmmlNodeList& list)
+{
+    bool any = false;
+    for (const KOmmlNodePtr& element : list) {
+        if (!element)
+            continue;
+        const auto* run = std::get_if<ORun>(&element->value);
+        if (!run)
+            return false;
+        for (const uint c : run->text.toUcs4()) {
+            if (!isPrime(c))
+                return false;
+            any = true;
+        }
+    }
+    return any;
+}
+
 const KTypoGlyph* singleGlyph(const KTypoNode& node)
 {
     const KTypoNode* current = &node;

@@ -52,6 +52,11 @@ using KAtomList = std::vector<KAtom>;
 KAtomList layoutAtoms(const KLayoutContext& context, const KOmmlNode& node);
 // Atoms side by side with TeX's spaces between them, in one container.
 std::unique_ptr<KTypoLine> joinAtoms(const KLayoutContext& context, KAtomList atoms);
+// Primes (U+2032 to U+2034, U+2057), which the font draws raised.
+bool isPrime(char32_t character);
+// True when the list is runs of primes only (and not empty): a superscript that is drawn in
+// the base's size without a further raise.
+bool isPrimesOnly(const KOmmlNodeList& list);
 // The glyph a box consists of, when it is one character of the math font (through containers
 // with one child each); null otherwise.
 const KTypoGlyph* singleGlyph(const KTypoNode& node);

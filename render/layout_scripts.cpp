@@ -20,7 +20,9 @@ KTypoNodePtr attachScripts(const KLayoutContext& context, KTypoNodePtr base, KTy
         up = base->ascent - c(HB_OT_MATH_CONSTANT_SUPERSCRIPT_BASELINE_DROP_MAX);
         down = base->bottom + c(HB_OT_MATH_CONSTANT_SUBSCRIPT_BASELINE_DROP_MIN);
     }
-    if (sup) {
+    if (sup && kind.primes) {
+        up = 0;
+    } else if (sup) {
         up = std::max({up,
                        c(context.cramped ? HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP_CRAMPED
                                          : HB_OT_MATH_CONSTANT_SUPERSCRIPT_SHIFT_UP),
@@ -31,7 +33,7 @@ KTypoNodePtr attachScripts(const KLayoutContext& context, KTypoNodePtr base, KTy
         if (!sup)
             down = std::max(down, sub->ascent - c(HB_OT_MATH_CONSTANT_SUBSCRIPT_TOP_MAX));
     }
-    if (sup && sub) {
+    if (sup && sub && !kind.primes) {
         const double gap = (up - sup->bottom) - (sub->ascent - down);
         const double minGap = c(HB_OT_MATH_CONSTANT_SUB_SUPERSCRIPT_GAP_MIN);
         if (gap < minGap) {
@@ -86,8 +88,9 @@ KTypoNodePtr scripted(const KLayoutContext& context, const KOmmlNodeList& e, con
                       const KOmmlNodeList* sub)
 {
     auto base = layoutList(context, e);
-    const KScriptBase kind = baseKind(*base);
-    KTypoNodePtr upper = sup ? layoutList(scriptContext(context), *sup) : nullptr;
+    KScriptBase kind = baseKind(*base);
+    kind.primes = sup && isPrimesOnly(*sup);
+    KTypoNodePtr upper = sup ? layoutList(kind.primes ? context : scriptContext(context), *sup) : nullptr;
     KTypoNodePtr lower = sub ? layoutList(subscriptContext(context), *sub) : nullptr;
     return attachScripts(context, std::move(base), std::move(upper), std::move(lower), kind);
 }

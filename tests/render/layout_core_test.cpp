@@ -214,6 +214,19 @@ TEST(ScriptLayout, ShiftsFollowTheFontsConstants)
     }
 }
 
+TEST(ScriptLayout, PrimesKeepTheBaseSizeAndTheFontsRaise)
+{
+    for (const char* latex : {"f'", "f^{\\prime}"}) {
+        const auto g = glyphsOf(latex, 10);
+        ASSERT_EQ(g.size(), 2u) << latex;
+        EXPECT_EQ(g[1].glyph->text, QStringLiteral("\u2032")) << latex;
+        EXPECT_NEAR(g[1].glyph->fontSize, 10, kEps) << latex;
+        EXPECT_NEAR(g[1].baseline, g[0].baseline, kEps) << latex;
+        // The glyph itself stands above the baseline.
+        EXPECT_LT(KMathFont::instance().info(KMathFont::instance().glyph(U'\u2032')).depth, 0) << latex;
+    }
+}
+
 TEST(ScriptLayout, XSquaredIsAboutOneEmTall)
 {
     const Laid laid = layoutLatex("x^2", 12);
