@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <thread>
 
@@ -13,10 +14,10 @@ namespace {
 // thread pool), so the object is created on a thread of our own that never returns.
 void startOffscreenApplication()
 {
-    std::mutex mutex;
-    std::condition_variable created;
-    bool done = false;
-    std::thread([&] {
+    // The thread owns the promise, so nothing of this frame is touched once the wait returns.
+    std::promise<void> created;
+    std::future<void> ready = created.get_future();
+    std::thread([created = std::move(created)]() mutable {
         static int argc = 3;
         static char name[] = "formulaconv";
         static char platformOption[] = "-platform";
@@ -24,19 +25,14 @@ void startOffscreenApplication()
         static char* argv[] = {name, platformOption, platform, nullptr};
         // Never deleted: fonts and the platform integration must outlive every render call.
         new QGuiApplication(argc, argv);
-        {
-            std::lock_guard<std::mutex> lock(mutex);
-            done = true;
-        }
-        created.notify_all();
+        created.set_value();
         std::mutex idle;
         std::condition_variable never;
         std::unique_lock<std::mutex> lock(idle);
         for (;;)
             never.wait(lock);
     }).detach();
-    std::unique_lock<std::mutex> lock(mutex);
-    created.wait(lock, [&] { return done; });
+    ready.wait();
 }
 
 } // namespace

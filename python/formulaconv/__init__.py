@@ -2,7 +2,8 @@
 
 Every function takes and returns ``str``. A conversion that cannot produce a result
 returns ``""`` (the library repairs malformed LaTeX rather than failing; use :func:`lint`
-to see what it repaired). All functions may be called from many threads at once; ctypes
+to see what it repaired). Input that is not ``str`` raises ``TypeError``; text holding a
+NUL character raises ``ValueError``. All functions may be called from many threads at once; ctypes
 releases the GIL for the length of each call, so threads convert in parallel.
 """
 
