@@ -2,6 +2,7 @@
 // through the exported entry point exactly as a host application calls them.
 
 #include "cli/cli_batch.h"
+#include "cli/cli_docx.h"
 #include "cli/cli_inspect.h"
 #include "cli/cli_layout.h"
 #include "interface/IFormulaConverterHelper.h"
@@ -34,6 +35,11 @@ const char kUsage[] =
     "               JSON object out per line (--jobs N, --size PT); each line is the input\n"
     "               as it stands, or with --jsonl a JSON object {\"input\": ..., \"id\": ...}\n"
     "               or a JSON string\n"
+    "  docx2latex FILE.docx          every equation of a Word document as JSON Lines\n"
+    "               (--text: the LaTeX only, one per line)\n"
+    "  latex2docx IN.docx OUT.docx   LaTeX typed in the text becomes native equations\n"
+    "               (--dry-run: list what would change)\n"
+    "  docx [IN.txt|-] OUT.docx      a new document from text with $...$ / $$...$$\n"
     "\n"
     "Input is TEXT, or standard input when TEXT is absent or '-'; --file PATH reads a file.\n"
     "'--' ends the options. Exit status: 0 result written, 1 empty result, 2 usage error.\n"
@@ -72,7 +78,7 @@ bool isConversion(const QString& op)
 bool isKnownOp(const QString& op)
 {
     return isConversion(op) || op == QLatin1String("lint") || op == QLatin1String("ast") ||
-           op == QLatin1String("layout") || op == QLatin1String("batch");
+           op == QLatin1String("layout") || op == QLatin1String("batch") || isDocxCommand(op);
 }
 
 // Parses the arguments after OP. Returns an error text, or an empty string.
@@ -230,6 +236,8 @@ int main(int argc, char** argv)
     options.op = args.takeFirst();
     if (!isKnownOp(options.op))
         return usageError(QStringLiteral("unknown operation '%1'").arg(options.op));
+    if (isDocxCommand(options.op))
+        return runDocxCommand(options.op, args);
     const bool batch = options.op == QLatin1String("batch");
     if (batch) {
         if (args.isEmpty() || !isConversion(args.first()))
