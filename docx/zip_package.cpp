@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <sys/stat.h>
 #include <zip.h>
 
 namespace {
@@ -201,6 +202,10 @@ bool commitWrite(const QString& path, const std::function<bool(const QString& tm
         return false;
     }
     reserve.setAutoRemove(false);
+    // A temporary file is private to its owner; the document gets the usual permissions.
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::chmod(QFile::encodeName(tmp).constData(), 0666 & ~mask);
     if (::rename(QFile::encodeName(tmp).constData(), QFile::encodeName(path).constData()) != 0) {
         QFile::remove(tmp);
         error = QStringLiteral("cannot rename the output into '%1'").arg(path);

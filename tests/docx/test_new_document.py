@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import os
 import zipfile
 from pathlib import Path
 
@@ -24,6 +25,9 @@ def test_document_from_text(tmp_path: Path):
     result = run("docx", str(source), str(target))
     assert result.returncode == 0, result.stderr
     assert "left as text" in result.stderr
+    umask = os.umask(0)
+    os.umask(umask)
+    assert target.stat().st_mode & 0o777 == 0o666 & ~umask, "permissions like any new file"
     archive = zipfile.ZipFile(target)
     assert archive.namelist() == ["[Content_Types].xml", "_rels/.rels", "word/document.xml"]
     body = archive.read("word/document.xml")
