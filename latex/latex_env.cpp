@@ -23,6 +23,7 @@ const char* environmentSignature(const QString& name)
     static const QHash<QString, const char*> signatures = {
         {QStringLiteral("array"), "om"},   // [t|b|c]{column spec}
         {QStringLiteral("subarray"), "m"}, // {column spec}
+        {QStringLiteral("tabular"), "om"}, {QStringLiteral("darray"), "om"},
         {QStringLiteral("alignat"), "m"},  // {column pairs}
         {QStringLiteral("alignat*"), "m"},   {QStringLiteral("xalignat"), "m"},
         {QStringLiteral("xalignat*"), "m"},  {QStringLiteral("xxalignat"), "m"},
@@ -32,9 +33,23 @@ const char* environmentSignature(const QString& name)
         {QStringLiteral("matrix*"), "o"},    // [column alignment]
         {QStringLiteral("pmatrix*"), "o"},   {QStringLiteral("bmatrix*"), "o"},
         {QStringLiteral("Bmatrix*"), "o"},   {QStringLiteral("vmatrix*"), "o"},
-        {QStringLiteral("Vmatrix*"), "o"},
+        {QStringLiteral("Vmatrix*"), "o"},   {QStringLiteral("smallmatrix*"), "o"},
     };
     return signatures.value(name, "");
+}
+
+// A body read as rows whose only row holds one cell and no line break is the body of an
+// environment that is not a table (equation, or one we do not know): it stays one group.
+KLatexNodeList collapseSingleCell(KLatexNodeList rows)
+{
+    if (rows.size() != 1)
+        return rows;
+    auto* row = latexAs<KLatexRow>(rows.front().get());
+    if (!row || row->cells.size() != 1)
+        return rows;
+    KLatexNodeList body;
+    body.push_back(std::move(row->cells.front()));
+    return body;
 }
 
 bool endsMatrixCell(const Token& token)
@@ -109,13 +124,22 @@ KLatexNodePtr KLatexParser::parseEnv()
 
     if (isKnownEnvironment(name))
         return parseAlignedEnvBody(name, std::move(args));
+    if (name == QLatin1String("CD"))
+        return parseCommutativeDiagram(name, std::move(args));
 
-    KLatexNodeList body;
-    body.push_back(parseExprUntil([](const Token& t) { return isCommandToken(t, "end"); }, false));
+    // Any other environment keeps the cells and rows its body is written in; a body without
+    // them is one group.
+    KLatexNodeList body = collapseSingleCell(readRows());
     return closeEnvironment(name, std::move(args), std::move(body));
 }
 
 KLatexNodePtr KLatexParser::parseAlignedEnvBody(const QString& name, KLatexArgs args)
+{
+    KLatexNodeList rows = readRows();
+    return closeEnvironment(name, std::move(args), std::move(rows));
+}
+
+KLatexNodeList KLatexParser::readRows()
 {
     KLatexNodeList rows;
     KLatexNodeList cells;
@@ -140,7 +164,7 @@ KLatexNodePtr KLatexParser::parseAlignedEnvBody(const QString& name, KLatexArgs 
     }
     if (!cells.empty())
         rows.push_back(makeRow(std::move(cells)));
-    return closeEnvironment(name, std::move(args), std::move(rows));
+    return rows;
 }
 
 KLatexNodePtr KLatexParser::closeEnvironment(const QString& name, KLatexArgs args, KLatexNodeList body)

@@ -45,6 +45,9 @@ public:
     // The current token follows \begin.
     KLatexNodePtr parseEnv();
     KLatexNodePtr parseAlignedEnvBody(const QString& name, KLatexArgs args);
+    // A commutative diagram: objects and the arrows between them (@>>>, @VVV, ...) laid out
+    // on a grid, objects in the even columns and rows, arrows between them.
+    KLatexNodePtr parseCommutativeDiagram(const QString& name, KLatexArgs args);
     // Rows of a plain-TeX matrix, up to (not including) its closing brace.
     KLatexNodeList parseMatrixBody();
 
@@ -111,6 +114,9 @@ private:
     KLatexNodePtr parseScripts(KLatexNodePtr node, int& chainDepth);
     KLatexNodePtr parseScriptArg();
     KLatexNodePtr parsePlainMatrix(const QString& name);
+    // Rows and cells of an environment body, up to (not including) its \end.
+    KLatexNodeList readRows();
+    KLatexNodePtr parseDiagramArrow(QChar kind);
     KLatexNodePtr closeEnvironment(const QString& name, KLatexArgs args, KLatexNodeList body);
     enum class DelimiterSide { Left, Right };
     QString readDelimiter(DelimiterSide side, bool warn);

@@ -1,5 +1,6 @@
 #include "latex2omml/ast2omml.h"
 
+#include "latex2omml/handlers.h"
 #include "latex2omml/tables.h"
 
 #include <QColor>
@@ -235,7 +236,7 @@ struct KLatexAst2Omml::KDispatch {
     KOmmlNodeList operator()(const KLatexEnv& environment) const
     {
         const KLatexEnvironment* entry = lookupEnvironment(environment.name);
-        return entry ? entry->handler(converter, environment) : KOmmlNodeList();
+        return entry ? entry->handler(converter, environment) : unknownEnvironment(converter, environment);
     }
     KOmmlNodeList operator()(const KLatexRow& row) const
     {

@@ -13,13 +13,46 @@ namespace {
 
 using KRows = std::vector<OMatrixRow>;
 
+// The commands that draw rules between the rows of a table. They show no text; a rule under
+// the last row leaves no row of its own.
+bool isRule(const KLatexNode* node)
+{
+    QString name;
+    if (const auto* command = latexAs<KLatexCommand>(node))
+        name = command->name;
+    else if (const auto* unknown = latexAs<KLatexUnknownCommand>(node))
+        name = unknown->name;
+    return name == QLatin1String("hline") || name == QLatin1String("hdashline") ||
+           name == QLatin1String("cline") || name == QLatin1String("cdashline");
+}
+
+// A row of rules only: the cells hold rule commands and nothing else.
+bool onlyRules(const KLatexNode* node)
+{
+    const auto* row = latexAs<KLatexRow>(node);
+    if (!row || row->cells.empty())
+        return false;
+    bool any = false;
+    for (const auto& cell : row->cells) {
+        const auto* group = latexAs<KLatexGroup>(cell.get());
+        if (!group)
+            return false;
+        for (const auto& child : group->children) {
+            if (!isRule(child.get()))
+                return false;
+            any = true;
+        }
+    }
+    return any;
+}
+
 // One row per node: a row node gives one cell per entry, anything else a row of
 // one cell. A table always has at least one cell, even for an empty body.
 KRows buildRows(KLatexAst2Omml& ast, const KLatexNodeList& nodes)
 {
     KRows rows;
     for (const auto& node : nodes) {
-        if (!node)
+        if (!node || (&node == &nodes.back() && !rows.empty() && onlyRules(node.get())))
             continue;
         OMatrixRow row;
         if (const auto* cells = latexAs<KLatexRow>(node.get())) {
@@ -58,6 +91,127 @@ KOmmlNodePtr buildMatrix(KLatexAst2Omml& ast, KRows rows, OColumnJustification f
 KOmmlNodePtr centredMatrix(KLatexAst2Omml& ast, KRows rows)
 {
     return buildMatrix(ast, std::move(rows), OColumnJustification::center, OColumnJustification::center);
+}
+
+// Gives the columns of a matrix the justifications listed, in order; the columns past the list
+// keep theirs.
+void justifyColumns(OMatrix& matrix, const std::vector<OColumnJustification>& justifications)
+{
+    for (std::size_t i = 0; i < matrix.columns.size() && i < justifications.size(); ++i)
+        matrix.columns[i].justification = justifications[i];
+}
+
+// A column specification as written, braces included (plainText would drop them).
+void specificationText(const KLatexNode* node, QString& out, bool outer)
+{
+    if (const auto* text = latexAs<KLatexText>(node)) {
+        out += text->text;
+    } else if (const auto* group = latexAs<KLatexGroup>(node)) {
+        if (!outer)
+            out += QLatin1Char('{');
+        for (const auto& child : group->children)
+            specificationText(child.get(), out, false);
+        if (!outer)
+            out += QLatin1Char('}');
+    }
+}
+
+// The text of the brace group that starts at `at` (which holds '{'), and the index after it.
+QString bracedText(const QString& text, int& at)
+{
+    if (at >= text.size() || text[at] != QLatin1Char('{'))
+        return QString();
+    int depth = 0;
+    const int start = at + 1;
+    for (; at < text.size(); ++at) {
+        if (text[at] == QLatin1Char('{'))
+            ++depth;
+        else if (text[at] == QLatin1Char('}') && --depth == 0)
+            break;
+    }
+    const QString inner = text.mid(start, at - start);
+    ++at;
+    return inner;
+}
+
+// Enough columns for any table a person writes; a repetition past it is cut.
+constexpr std::size_t kMaxSpecifiedColumns = 1024;
+
+// The justification of each column of an array specification: l, c and r, paragraph columns
+// (p, m, b) flush left, *{n}{..} repeated; rules (|, :) and inserted material (@{..}, !{..},
+// >{..}, <{..}) take no column.
+void readColumns(const QString& text, std::vector<OColumnJustification>& out, int depth)
+{
+    int at = 0;
+    while (at < text.size() && out.size() < kMaxSpecifiedColumns) {
+        const QChar c = text[at++];
+        switch (c.unicode()) {
+        case u'l':
+            out.push_back(OColumnJustification::left);
+            break;
+        case u'c':
+            out.push_back(OColumnJustification::center);
+            break;
+        case u'r':
+            out.push_back(OColumnJustification::right);
+            break;
+        case u'p':
+        case u'm':
+        case u'b':
+        case u'X':
+            out.push_back(OColumnJustification::left);
+            bracedText(text, at);
+            break;
+        case u'@':
+        case u'!':
+        case u'>':
+        case u'<':
+            bracedText(text, at);
+            break;
+        case u'*': {
+            const int count = bracedText(text, at).trimmed().toInt();
+            const QString repeated = bracedText(text, at);
+            for (int i = 0; i < count && depth < 8 && out.size() < kMaxSpecifiedColumns; ++i)
+                readColumns(repeated, out, depth + 1);
+            break;
+        }
+        default:
+            break;
+        }
+    }
+}
+
+std::vector<OColumnJustification> columnSpecification(const KLatexNode* node)
+{
+    QString text;
+    specificationText(node, text, true);
+    std::vector<OColumnJustification> columns;
+    readColumns(text, columns, 0);
+    return columns;
+}
+
+// How the columns of a table environment are justified as its arguments say: the column
+// specification of array and subarray, the [l], [c] or [r] of the starred matrices. Empty
+// when the arguments say nothing.
+std::vector<OColumnJustification> specifiedColumns(const KLatexEnv& env, std::size_t columns)
+{
+    for (const KLatexArg& arg : env.args) {
+        if (!arg.node)
+            continue;
+        if (!arg.optional && (env.name == QLatin1String("array") || env.name == QLatin1String("subarray") ||
+                              env.name == QLatin1String("darray")))
+            return columnSpecification(arg.node.get());
+        if (arg.optional && env.name.endsWith(QLatin1Char('*'))) {
+            const QString option = plainText(arg.node.get()).trimmed();
+            std::vector<OColumnJustification> one;
+            if (option.size() == 1)
+                readColumns(option, one, 0);
+            if (one.empty())
+                return {};
+            return std::vector<OColumnJustification>(columns, one.front());
+        }
+    }
+    return {};
 }
 
 // Puts a matrix between the first and the last character of a fence pair; no
@@ -143,6 +297,65 @@ OEquationArray equationLines(KLatexAst2Omml& ast, const KLatexNodeList& body)
     return lines;
 }
 
+// The lines of a cases* environment: the first cell of each row in math, the others as text.
+// A $ in the text switches to math and back, as it does in TeX.
+OEquationArray textColumnLines(KLatexAst2Omml& ast, const KLatexNodeList& body)
+{
+    OControlProperties text = ast.currentStyle();
+    if (!text.mathProps)
+        text.mathProps = OMathRunProperties{};
+    const OControlProperties math = ast.currentStyle();
+    OEquationArray lines;
+    for (const auto& node : body) {
+        if (!node)
+            continue;
+        KOmmlNodeList line;
+        const auto* row = latexAs<KLatexRow>(node.get());
+        if (!row) {
+            appendNodes(line, ast.convert(*node));
+            lines.rows.push_back(std::move(line));
+            continue;
+        }
+        for (std::size_t i = 0; i < row->cells.size(); ++i) {
+            const KLatexNode* cell = row->cells[i].get();
+            if (!cell)
+                continue;
+            if (i == 0) {
+                appendNodes(line, ast.convert(*cell));
+                continue;
+            }
+            bool inMath = false;
+            std::vector<const KLatexNode*> piece;
+            auto flush = [&] {
+                ast.pushStyle(inMath ? math : text);
+                appendNodes(line, ast.convertSequence(piece));
+                ast.popStyle();
+                piece.clear();
+            };
+            const auto* group = latexAs<KLatexGroup>(cell);
+            if (!group) {
+                piece.push_back(cell);
+            } else {
+                for (const auto& child : group->children) {
+                    const auto* dollar = latexAs<KLatexText>(child.get());
+                    if (dollar && dollar->text == QLatin1String("$")) {
+                        flush();
+                        inMath = !inMath;
+                    } else {
+                        piece.push_back(child.get());
+                    }
+                }
+            }
+            flush();
+        }
+        lines.rows.push_back(std::move(line));
+    }
+    if (lines.rows.empty())
+        lines.rows.emplace_back();
+    lines.ctrlPr = ast.currentStyle();
+    return lines;
+}
+
 bool isLineBreak(const KLatexNode* node)
 {
     const auto* command = latexAs<KLatexCommand>(node);
@@ -154,15 +367,20 @@ bool isLineBreak(const KLatexNode* node)
 
 KOmmlNodeList matrixEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 {
-    // Arguments such as an array's column format do not change the OMML.
+    // The columns are centred unless the column specification (array) or the alignment option
+    // (the starred matrices) says otherwise; rules in the specification show nothing.
     KOmmlNodePtr matrix = centredMatrix(ast, buildRows(ast, env.body));
+    if (auto* built = ommlAs<OMatrix>(matrix.get()))
+        justifyColumns(*built, specifiedColumns(env, built->columns.size()));
     const KLatexEnvironment* entry = lookupEnvironment(env.name);
     return fenced(std::move(matrix), entry ? entry->delimiters : QString());
 }
 
 KOmmlNodeList casesEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 {
-    OEquationArray lines = equationLines(ast, env.body);
+    // The starred forms set what follows the first column as text.
+    OEquationArray lines =
+        env.name.endsWith(QLatin1Char('*')) ? textColumnLines(ast, env.body) : equationLines(ast, env.body);
 
     // One brace only: on the left for cases and dcases, on the right for rcases.
     const KLatexEnvironment* entry = lookupEnvironment(env.name);
@@ -182,6 +400,38 @@ KOmmlNodeList alignEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
     // following flush-left one.
     return makeOmmlList(
         buildMatrix(ast, buildRows(ast, env.body), OColumnJustification::right, OColumnJustification::left));
+}
+
+KOmmlNodeList equationArrayEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
+{
+    // eqnarray sets three columns per equation: right, centre, left.
+    KOmmlNodePtr matrix = centredMatrix(ast, buildRows(ast, env.body));
+    if (auto* built = ommlAs<OMatrix>(matrix.get())) {
+        for (std::size_t i = 0; i < built->columns.size(); ++i) {
+            const std::size_t place = i % 3;
+            built->columns[i].justification = place == 0   ? OColumnJustification::right
+                                              : place == 1 ? OColumnJustification::center
+                                                           : OColumnJustification::left;
+        }
+    }
+    return makeOmmlList(std::move(matrix));
+}
+
+KOmmlNodeList displayEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
+{
+    // A displayed equation is its content; lines broken in it are centred lines.
+    if (env.body.size() == 1 && env.body.front() && !latexAs<KLatexRow>(env.body.front().get()))
+        return ast.convert(*env.body.front());
+    return makeOmmlList(makeOmmlNode(equationLines(ast, env.body)));
+}
+
+KOmmlNodeList unknownEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
+{
+    // An environment without a table entry keeps what it holds: its content, or its cells
+    // and rows as a matrix with centred columns.
+    if (env.body.size() == 1 && env.body.front() && !latexAs<KLatexRow>(env.body.front().get()))
+        return ast.convert(*env.body.front());
+    return makeOmmlList(centredMatrix(ast, buildRows(ast, env.body)));
 }
 
 KOmmlNodeList matrixCommand(KLatexAst2Omml& ast, const KLatexCommand& command)

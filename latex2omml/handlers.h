@@ -36,6 +36,10 @@ KOmmlNodeList matrixEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList casesEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList alignEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList gatheredEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+KOmmlNodeList equationArrayEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+KOmmlNodeList displayEnvironment(KLatexAst2Omml&, const KLatexEnv&);
+// The fallback for an environment the table does not list.
+KOmmlNodeList unknownEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList substack(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList middleDelimiter(KLatexAst2Omml&, const KLatexCommand&);
 

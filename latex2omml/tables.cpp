@@ -48,6 +48,7 @@ const KCommandRow kCommandRows[] = {
 #include "latex2omml/commands_relations.inc"
 #include "latex2omml/commands_sets.inc"
 #include "latex2omml/commands_spaces.inc"
+#include "latex2omml/commands_tables.inc"
 };
 
 const KEnvironmentRow kEnvironmentRows[] = {

@@ -311,10 +311,15 @@ public:
                 cells.push_back(i < row.size() ? list(row[i]) : makeGroup());
             rows.push_back(makeRow(std::move(cells)));
         }
-        return styled(
-            makeEnvironment(isAlignment(matrix) ? QStringLiteral("aligned") : QStringLiteral("matrix"), {},
-                            std::move(rows)),
-            matrix.ctrlPr);
+        if (isAlignment(matrix))
+            return styled(makeEnvironment(QStringLiteral("aligned"), {}, std::move(rows)), matrix.ctrlPr);
+        // Columns justified otherwise than centred are an array's column specification.
+        const QString specification = columnSpecification(matrix);
+        if (specification.isEmpty())
+            return styled(makeEnvironment(QStringLiteral("matrix"), {}, std::move(rows)), matrix.ctrlPr);
+        KLatexArgs args;
+        args.push_back(braceArg(makeText(specification)));
+        return styled(makeEnvironment(QStringLiteral("array"), std::move(args), std::move(rows)), matrix.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OBox& box)
@@ -395,6 +400,28 @@ private:
                 return false;
         }
         return true;
+    }
+
+    // "lcr..." for the columns of a matrix, or empty when every column is centred. A table wider
+    // than any written by hand keeps the first columns' justification only.
+    static constexpr int kMaxSpecifiedColumns = 1024;
+    static QString columnSpecification(const OMatrix& matrix)
+    {
+        QString specification;
+        bool centred = true;
+        for (const OMatrixColumn& column : matrix.columns) {
+            QChar letter = QLatin1Char('c');
+            if (column.justification == OColumnJustification::left)
+                letter = QLatin1Char('l');
+            else if (column.justification == OColumnJustification::right)
+                letter = QLatin1Char('r');
+            centred = centred && letter == QLatin1Char('c');
+            // One column description may stand for several columns.
+            const int count = std::max(1, column.count.toInt());
+            for (int i = 0; i < count && specification.size() < kMaxSpecifiedColumns; ++i)
+                specification += letter;
+        }
+        return centred ? QString() : specification;
     }
 
     // Text in which each space is the control space "\ ", which survives reading.

@@ -117,8 +117,9 @@ const ParseCase kCases[] = {
      ""},
     {R"(\begin{alignedat}[t]{2}x\end{alignedat})",
      R"(Env "alignedat"{optarg{Group{"t"}} arg{Group{"2"}} body{Row{Group{"x"}}}})", ""},
-    {R"(\begin{Bmatrix}a&b\end{Bmatrix})", R"(Env "Bmatrix"{body{Group{"a" "b"}}})",
-     "E_unexpected_token 16+1"},
+    // Every environment keeps the cells and rows it is written in.
+    {R"(\begin{Bmatrix}a&b\end{Bmatrix})", R"(Env "Bmatrix"{body{Row{Group{"a"} Group{"b"}}}})", ""},
+    {R"(\begin{foo}a\\b&c\end{foo})", R"(Env "foo"{body{Row{Group{"a"}} Row{Group{"b"} Group{"c"}}}})", ""},
     {R"(\begin{foo}x)", R"(Env "foo"{body{Group{"x"}}})", "E_missing_end 12+0"},
     {R"(\begin{matrix}a\end{pmatrix})", R"(Env "matrix"{body{Row{Group{"a"}}}})",
      R"(2 E_env_mismatch 28+0 \end{pmatrix} mismatched (expect matrix).)"},
