@@ -1,6 +1,7 @@
 #include "latex/latex_parser.h"
 
 #include "latex/latex_lexer.h"
+#include "latex/macro_expander.h"
 #include "latex/parser_messages.h"
 #include "latex/parser_support.h"
 
@@ -514,6 +515,7 @@ KLatexNodePtr parseLatex(QStringView source, LatexDiagnostics& diagnostics, int 
     KLatexLexer lexer(source);
     KLatexLexResult lexed = lexer.tokenize();
     diagnostics = std::move(lexed.diagnostics);
-    KLatexParser parser(lexed.tokens, diagnostics, itemLimit);
+    const std::vector<Token> tokens = KMacroExpander(diagnostics).expand(std::move(lexed.tokens));
+    KLatexParser parser(tokens, diagnostics, itemLimit);
     return parser.parseDocument();
 }

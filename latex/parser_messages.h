@@ -95,4 +95,13 @@ inline QString envMismatch(const QString& closing, const QString& opening)
     return QStringLiteral("\\end{%1} mismatched (expect %2).").arg(closing, opening);
 }
 
+inline QString macroDepth(const QString& name)
+{
+    return QStringLiteral("Macro expansion nested too deeply; \\%1 not expanded.").arg(name);
+}
+inline QString macroGrowth(const QString& name)
+{
+    return QStringLiteral("Macro expansion produced too many tokens; \\%1 not expanded.").arg(name);
+}
+
 } // namespace latexmsg

@@ -101,8 +101,9 @@ const ArgCase kBrackets[] = {
      R"(Command "linebreak"{optarg{Group{"3"}}} "x" Command "linebreak" Group{"y"})"},
     {R"(\textcolor[rgb]{1,0,0}x)",
      R"(Command "textcolor"{optarg{Group{"rgb"}} arg{Group{"1,0,0"}} arg{Group{"x"}}})"},
-    {R"(\newcommand{\x}[1][a]{b})",
-     R"(Command "newcommand"{arg{Group{Unknown "x"}} optarg{Group{"1"}} optarg{Group{"a"}} arg{Group{"b"}}})"},
+    // A definition whose name is no control sequence is not made; the parser reads its arguments.
+    {R"(\newcommand{x}[1][a]{b})",
+     R"(Command "newcommand"{arg{Group{"x"}} optarg{Group{"1"}} optarg{Group{"a"}} arg{Group{"b"}}})"},
     {R"(\a \over [b])", R"(Unknown "a" Command "over"{optarg{Group{"b"}}})"},
 };
 INSTANTIATE_TEST_SUITE_P(BracketAfterCommand, TexArguments, ::testing::ValuesIn(kBrackets));
@@ -118,9 +119,14 @@ const ArgCase kArity[] = {
     {R"(\middle\| x)", R"(Command "middle"{arg{Group{Command "|"}}} "x")"},
     {R"(\definecolor{c}{rgb}{1,0,0}x)",
      R"(Command "definecolor"{arg{Group{"c"}} arg{Group{"r" "g" "b"}} arg{Group{"1" "," "0" "," "0"}}} "x")"},
-    {R"(\newcommand\x{y}z)", R"(Command "newcommand"{arg{Group{Unknown "x"}} arg{Group{"y"}}} "z")"},
-    {R"(\def\x#1#2{y}z)", R"(Command "def"{arg{Group{Unknown "x"}} arg{Group{"y"}}} "z")"},
-    {R"(\let\a=\b c)", R"(Command "let"{arg{Group{Unknown "a"}} arg{Group{Unknown "b"}}} "c")"},
+    // Definitions that cannot be made (the name is no control sequence) keep their arguments.
+    {R"(\newcommand{x}{y}z)", R"(Command "newcommand"{arg{Group{"x"}} arg{Group{"y"}}} "z")"},
+    {R"(\def{x}#1#2{y}z)", R"(Command "def"{arg{Group{"x"}} arg{Group{"y"}}} "z")"},
+    {R"(\let{a}=\b c)", R"(Command "let"{arg{Group{"a"}} arg{Group{Unknown "b"}}} "c")"},
+    // Definitions that can be made leave nothing behind.
+    {R"(\newcommand\x{y}z)", R"("z")"},
+    {R"(\def\x#1#2{y}z)", R"("z")"},
+    {R"(\let\a=\b c)", R"("c")"},
     {R"(\genfrac{(}{)})", R"~(Command "genfrac"{arg{Group{"("}} arg{Group{")"}}})~"},
 };
 INSTANTIATE_TEST_SUITE_P(LatexArity, TexArguments, ::testing::ValuesIn(kArity));
@@ -134,7 +140,7 @@ const ArgCase kEnvironments[] = {
      R"(Env "array"{optarg{Group{"t"}} arg{Group{"c"}} body{Row{Group{Group{"1"}}}}})"},
     {R"(\begin{array}a&b\end{array})", R"(Env "array"{body{Row{Group{"a"} Group{"b"}}}})"},
     {R"(\begin{subarray}{l}i\\j\end{subarray})",
-     R"(Env "subarray"{arg{Group{"l"}} body{Group{"i" Command "\\\\" "j"}}})"},
+     R"(Env "subarray"{arg{Group{"l"}} body{Row{Group{"i"}} Row{Group{"j"}}}})"},
     {R"(\begin{alignat}{2}{x}&=y\end{alignat})",
      R"(Env "alignat"{arg{Group{"2"}} body{Row{Group{Group{"x"}} Group{"=" "y"}}}})"},
     {R"(\begin{alignat*}[t]{2}x\end{alignat*})",
