@@ -19,6 +19,8 @@ KOmmlNodeList naryOperator(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList naryScript(KLatexAst2Omml&, const KLatexScript&);
 KOmmlNodeList function(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList functionScript(KLatexAst2Omml&, const KLatexScript&);
+KOmmlNodeList operatorName(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList operatorNameScript(KLatexAst2Omml&, const KLatexScript&);
 KOmmlNodeList limitFunction(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList limitScript(KLatexAst2Omml&, const KLatexScript&);
 KOmmlNodeList limitVariant(KLatexAst2Omml&, const KLatexCommand&);

@@ -343,6 +343,51 @@ KOmmlNodeList function(KLatexAst2Omml& converter, const KLatexCommand& command)
     return makeOmmlList(makeOmmlNode(std::move(result)));
 }
 
+KOmmlNodeList operatorName(KLatexAst2Omml& converter, const KLatexCommand& command)
+{
+    // \operatorname{sgn}: an upright name applied to what follows, as \sin is. A
+    // name made of more than letters and digits (arg\,max) stays upright text.
+    const KLatexNode* name = argumentNode(command.args, 0);
+    const QString text = command.args.size() == 1 && name ? plainText(name) : QString();
+    bool plain = !text.isEmpty();
+    std::vector<const KLatexNode*> pending{name};
+    while (plain && !pending.empty()) {
+        const KLatexNode* current = pending.back();
+        pending.pop_back();
+        if (const auto* group = latexAs<KLatexGroup>(current)) {
+            for (const KLatexNodePtr& child : group->children)
+                pending.push_back(child.get());
+        } else if (!latexAs<KLatexText>(current)) {
+            plain = false;
+        }
+    }
+    for (const QChar c : text)
+        plain = plain && c.isLetterOrNumber();
+    if (!plain)
+        return firstArgument(converter, command);
+    OFunction result;
+    result.fName = makeOmmlList(makeNameRun(text));
+    result.ctrlPr = converter.currentStyle();
+    return makeOmmlList(makeOmmlNode(std::move(result)));
+}
+
+KOmmlNodeList operatorNameScript(KLatexAst2Omml& converter, const KLatexScript& script)
+{
+    KOmmlNodeList function = functionScript(converter, script);
+    if (!function.empty())
+        return function;
+    // A name that stays upright text carries its scripts as any base does.
+    std::optional<KOmmlNodeList> lower;
+    std::optional<KOmmlNodeList> upper;
+    if (script.sub)
+        lower = converter.convert(*script.sub);
+    if (script.sup)
+        upper = converter.convert(*script.sup);
+    KOmmlNodePtr element =
+        makeScriptElement(converter.convert(*script.base), std::move(lower), std::move(upper));
+    return element ? makeOmmlList(std::move(element)) : KOmmlNodeList();
+}
+
 KOmmlNodeList functionScript(KLatexAst2Omml& converter, const KLatexScript& script)
 {
     if (!latexAs<KLatexCommand>(script.base.get()))
