@@ -116,6 +116,20 @@ QString withoutTrailingControlSpaces(QString text)
     }
 }
 
+// Whether the text ends in a control word (\alpha), which a following letter would extend.
+bool endsWithControlWord(const QString& text)
+{
+    int i = text.size();
+    while (i > 0 && isLetter(text.at(i - 1)))
+        --i;
+    if (i == text.size() || i == 0 || text.at(i - 1) != QLatin1Char('\\'))
+        return false;
+    int backslashes = 0;
+    while (i - 1 - backslashes >= 0 && text.at(i - 1 - backslashes) == QLatin1Char('\\'))
+        ++backslashes;
+    return backslashes % 2 == 1;
+}
+
 bool isKnownEnvironment(const QString& name)
 {
     static const char* const kNames[] = {
@@ -230,26 +244,36 @@ QString KLatexWriter::node(const KLatexNode* node)
 QString KLatexWriter::print(const KLatexGroup& group)
 {
     QString result;
+    bool afterScript = false;
     for (const KLatexNodePtr& child : group.children) {
         if (!child)
             continue;
+        const bool afterControlWord = endsWithControlWord(result);
         const QString piece = node(child.get());
         if (piece.isEmpty())
             continue;
         const QChar first = piece.front();
         if (!result.isEmpty()) {
             const QChar last = result.back();
+            // Digits run on (a number is one), and so does the base of a script,
+            // unless what comes before ends in a script of its own (x^2 3, not x^23).
+            const bool joins = !afterScript && !afterControlWord &&
+                               ((isDigit(last) && isDigit(first)) || latexAs<KLatexScript>(child.get()));
             if ((last == QLatin1Char('}') && isLetter(first)) ||
-                (isAlphanumeric(last) && isAlphanumeric(first))) {
+                (isAlphanumeric(last) && isAlphanumeric(first) && !joins)) {
                 result += QLatin1Char(' ');
                 m_lastClass = OutputClass::other;
             }
             // Reads the class the child left behind, after the rule above.
             if (m_lastClass == OutputClass::controlWord && isLetter(first))
                 result += QLatin1Char(' ');
+            // A star right after a control word would make it the starred command.
+            else if (first == QLatin1Char('*') && endsWithControlWord(result))
+                result += QLatin1Char(' ');
         }
         result += piece;
         m_lastClass = pieceClass(piece);
+        afterScript = latexAs<KLatexScript>(child.get()) != nullptr;
     }
     return result;
 }
@@ -366,25 +390,79 @@ const KLatexScript* trailingScript(const KLatexNode* node)
     return nullptr;
 }
 
+const KLatexCommand* commandNamed(const KLatexNode* node, const char* name)
+{
+    const auto* command = latexAs<KLatexCommand>(node);
+    return command && command->name == QLatin1String(name) ? command : nullptr;
+}
+
+// A large operator with its placement command, such as \sum\limits: the base of
+// the limits that follow it, not a group that needs braces.
+bool isOperatorWithPlacement(const KLatexGroup& group)
+{
+    return group.children.size() == 2 && latexAs<KLatexCommand>(group.children[0].get()) &&
+           (commandNamed(group.children[1].get(), "limits") ||
+            commandNamed(group.children[1].get(), "nolimits"));
+}
+
+bool isSpacing(const QString& name)
+{
+    return spacingForm(name) != nullptr || name == QLatin1String("enspace");
+}
+
 } // namespace
+
+bool isLatexAtom(const KLatexNode* node)
+{
+    const KLatexGroup* group = latexAs<KLatexGroup>(node);
+    while (group && group->children.size() == 1 && group->children.front()) {
+        node = group->children.front().get();
+        group = latexAs<KLatexGroup>(node);
+    }
+    if (!node)
+        return false;
+    if (group) {
+        // \left( ... \right): one delimited atom.
+        return group->children.size() == 3 && commandNamed(group->children[0].get(), "left") &&
+               commandNamed(group->children[2].get(), "right");
+    }
+    if (const auto* text = latexAs<KLatexText>(node))
+        return text->text.toUcs4().size() == 1 && text->text != QLatin1String("'") &&
+               !text->text.front().isSpace();
+    if (const auto* command = latexAs<KLatexCommand>(node))
+        return !isSpacing(command->name) && !isLineBreak(command->name) &&
+               command->name != QLatin1String("left") && command->name != QLatin1String("right");
+    if (latexAs<KLatexUnknownCommand>(node))
+        return true;
+    if (const auto* script = latexAs<KLatexScript>(node)) {
+        const KLatexGroup* base = latexAs<KLatexGroup>(script->base.get());
+        return script->base && !(base && base->children.empty());
+    }
+    if (const auto* leftRight = latexAs<KLatexLeftRight>(node))
+        return !leftRight->useLeftRight && leftRight->left == QLatin1String("{");
+    return latexAs<KLatexEnv>(node) != nullptr;
+}
 
 QString KLatexWriter::print(const KLatexScript& script)
 {
     QString result = node(script.base.get());
-    // TeX refuses a second superscript or subscript on the same base (x^a^b,
-    // u^d_a_\mu) and a script needs something before it when it follows another
-    // script: such a base is closed in braces, and an empty base is written {}.
-    const KLatexScript* inner = trailingScript(script.base.get());
-    const bool clash = inner && ((inner->sup && script.sup) || (inner->sub && script.sub));
-    if (result.isEmpty() || clash) {
+    // A base that is more than one atom is braced, so that the script belongs to
+    // all of it ({ab}_n); so is a base that ends in a script, since TeX refuses a
+    // second script on one base and x^{2}_{i} would set both on x ({u_a^d}_\mu).
+    // An empty base is written {}.
+    const KLatexNode* base = script.base.get();
+    const KLatexGroup* baseGroup = latexAs<KLatexGroup>(base);
+    const bool operatorBase = baseGroup && isOperatorWithPlacement(*baseGroup);
+    const bool needsBraces = !operatorBase && (trailingScript(base) || !isLatexAtom(base));
+    if (result.isEmpty() || needsBraces) {
         result = QLatin1Char('{') + result + QLatin1Char('}');
         m_lastClass = OutputClass::other;
     }
-    // The superscript always comes first.
-    if (script.sup)
-        result += scriptPart(QLatin1Char('^'), script.sup.get());
+    // The subscript comes first, as people write it: x_{i}^{2}, \sum_{i=1}^{n}.
     if (script.sub)
         result += scriptPart(QLatin1Char('_'), script.sub.get());
+    if (script.sup)
+        result += scriptPart(QLatin1Char('^'), script.sup.get());
     return result;
 }
 

@@ -29,6 +29,12 @@ enum class OutputClass : int32_t { none = 0, controlWord = 1, letter = 2, digit 
 // pathological tree cannot exhaust the stack.
 constexpr int kMaxLatexWriteDepth = 2000;
 
+// Whether a node prints as one atom that a LaTeX reader takes whole as the
+// operand of a large operator or function, or as the base of a script: one
+// character, a command (with its arguments), a script on such a base, a brace
+// group, an environment, or a \left ... \right pair.
+bool isLatexAtom(const KLatexNode* node);
+
 class KLatexWriter {
 public:
     // Prints the whole tree with fresh run state; a null root gives the empty string.

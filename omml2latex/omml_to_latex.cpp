@@ -1,5 +1,6 @@
 #include "omml2latex/omml_to_latex.h"
 
+#include "latex/latex_writer.h"
 #include "omml2latex/tables.h"
 
 #include <algorithm>
@@ -59,6 +60,16 @@ const KOmmlNode* single(const KOmmlNodeList& list)
     return nodes.size() == 1 ? nodes.front() : nullptr;
 }
 
+// A function name that \operatorname can hold as it is: letters and digits.
+bool isNameText(const QString& text)
+{
+    for (const QChar c : text) {
+        if (!c.isLetterOrNumber())
+            return false;
+    }
+    return true;
+}
+
 bool runIsStyled(const ORun& run)
 {
     const OWordRunProperties& word = run.wordProps;
@@ -108,10 +119,9 @@ public:
 
     KLatexNodePtr operator()(const ORun& run)
     {
-        KLatexNodePtr text = runTextToLatex(run.text);
         if (!runIsStyled(run))
-            return text;
-        return applyStyle(std::move(text), &run.mathProps, run.wordProps);
+            return runTextToLatex(run.text, m_converter.m_scriptDepth > 0);
+        return runToLatex(run, m_converter.m_scriptDepth > 0);
     }
 
     KLatexNodePtr operator()(const OFraction& fraction)
@@ -131,17 +141,18 @@ public:
 
     KLatexNodePtr operator()(const OSuperscript& script)
     {
-        return styled(makeScript(list(script.e), list(script.sup), nullptr), script.ctrlPr);
+        return styled(makeScript(list(script.e), scriptList(script.sup), nullptr), script.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OSubscript& script)
     {
-        return styled(makeScript(list(script.e), nullptr, list(script.sub)), script.ctrlPr);
+        return styled(makeScript(list(script.e), nullptr, scriptList(script.sub)), script.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OSubSuperscript& script)
     {
-        return styled(makeScript(list(script.e), list(script.sup), list(script.sub)), script.ctrlPr);
+        return styled(makeScript(list(script.e), scriptList(script.sup), scriptList(script.sub)),
+                      script.ctrlPr);
     }
 
     KLatexNodePtr operator()(const ORadical& radical)
@@ -160,14 +171,18 @@ public:
         if (nary.chr.isEmpty())
             return styled(nullptr, nary.ctrlPr);
         const QString name = naryCommands().value(nary.chr);
-        const QString placement =
-            nary.limLoc == OLimitLocation::undOvr ? QStringLiteral("limits") : QStringLiteral("nolimits");
-        KLatexNodePtr op = groupOf(command(name), command(placement));
-        KLatexNodePtr sub = nary.subHide ? nullptr : list(nary.sub);
-        KLatexNodePtr sup = nary.supHide ? nullptr : list(nary.sup);
+        // \limits or \nolimits only where the placement is not the operator's own in
+        // display style: limits above and below a sum, beside an integral.
+        const bool above = nary.limLoc == OLimitLocation::undOvr;
+        KLatexNodePtr op = command(name);
+        if (!naryCommands().contains(nary.chr) || above != naryLimitsAboveByDefault(name))
+            op = groupOf(std::move(op),
+                         command(above ? QStringLiteral("limits") : QStringLiteral("nolimits")));
+        KLatexNodePtr sub = nary.subHide ? nullptr : scriptList(nary.sub);
+        KLatexNodePtr sup = nary.supHide ? nullptr : scriptList(nary.sup);
         if (sub || sup)
             op = makeScript(std::move(op), std::move(sup), std::move(sub));
-        KLatexNodePtr body = braced(list(nary.e));
+        KLatexNodePtr body = operand(list(nary.e));
         return styled(groupOf(std::move(op), std::move(body)), nary.ctrlPr);
     }
 
@@ -178,8 +193,10 @@ public:
             return styled(nullptr, limit.ctrlPr);
         QString name;
         if (const auto* run = ommlAs<ORun>(base.front()))
-            name = run->text.trimmed().toLower();
+            name = run->text.trimmed().toLower().remove(QLatin1Char(' '));
         KLatexNodePtr lim = list(limit.lim);
+        if (isLimitName(name) && present(limit.lim).empty())
+            return styled(command(name), limit.ctrlPr); // \gcd(a,b): no limit below
         if (isLimitName(name))
             return styled(makeScript(command(name), nullptr, std::move(lim)), limit.ctrlPr);
         return styled(command(QStringLiteral("underset"), std::move(lim), list(limit.e)), limit.ctrlPr);
@@ -194,7 +211,7 @@ public:
     {
         KLatexNodePtr argument = list(function.e);
         if (KLatexNodePtr name = namedLimits(function))
-            return styled(groupOf(std::move(name), braced(std::move(argument))), function.ctrlPr);
+            return styled(groupOf(std::move(name), operand(std::move(argument))), function.ctrlPr);
         const FunctionName split = splitFunctionName(function);
         KLatexNodePtr name;
         if (const auto* run = ommlAs<ORun>(single(*split.names))) {
@@ -202,19 +219,21 @@ public:
             const QString lower = text.toLower();
             if (isFunctionName(lower))
                 name = command(lower);
-            else if (!text.isEmpty())
+            else if (!text.isEmpty() && isNameText(text))
                 name = command(QStringLiteral("operatorname"), makeText(text));
+            else if (!text.isEmpty())
+                name = list(*split.names);
             else
                 name = list(function.fName);
         } else {
             name = list(*split.names);
         }
         if (split.sub || split.sup) {
-            KLatexNodePtr sub = split.sub ? list(*split.sub) : nullptr;
-            KLatexNodePtr sup = split.sup ? list(*split.sup) : nullptr;
+            KLatexNodePtr sub = split.sub ? scriptList(*split.sub) : nullptr;
+            KLatexNodePtr sup = split.sup ? scriptList(*split.sup) : nullptr;
             name = makeScript(std::move(name), std::move(sup), std::move(sub));
         }
-        KLatexNodePtr body = braced(std::move(argument));
+        KLatexNodePtr body = operand(std::move(argument));
         return styled(groupOf(std::move(name), std::move(body)), function.ctrlPr);
     }
 
@@ -263,6 +282,16 @@ public:
         if (straight || (!allHidden && !noneHidden) || (noneHidden && diagonal))
             return styled(command(QStringLiteral("enclose"), makeText(encloseNotation(box)), list(box.e)),
                           box.ctrlPr);
+        if (allHidden && box.strikeTLBR && !box.strikeBLTR) {
+            // One struck-through symbol is a negated relation: \not\in, \not=.
+            KLatexNodePtr body = list(box.e);
+            const auto* symbol = latexAs<KLatexCommand>(body.get());
+            const auto* text = latexAs<KLatexText>(body.get());
+            const bool letter = text && text->text.front().isLetterOrNumber();
+            if (((symbol && symbol->args.empty()) || (text && !letter)) && isLatexAtom(body.get()))
+                return styled(groupOf(command(QStringLiteral("not")), std::move(body)), box.ctrlPr);
+            return styled(command(QStringLiteral("bcancel"), std::move(body)), box.ctrlPr);
+        }
         QString name = QStringLiteral("boxed");
         if (allHidden && box.strikeBLTR && box.strikeTLBR)
             name = QStringLiteral("xcancel");
@@ -343,12 +372,9 @@ public:
 
     KLatexNodePtr operator()(const OPreSubSuperscript& script)
     {
-        // \sideset{_B^S}{}{E}: the scripts stay attached to their base.
-        KLatexArgs args;
-        args.push_back(braceArg(makeScript(makeGroup(), list(script.sup), list(script.sub))));
-        args.push_back(braceArg(makeGroup()));
-        args.push_back(braceArg(list(script.e)));
-        return styled(makeCommand(QStringLiteral("sideset"), std::move(args)), script.ctrlPr);
+        // {}_{B}^{S}E: scripts on an empty base, then the base they stand before.
+        KLatexNodePtr scripts = makeScript(makeGroup(), scriptList(script.sup), scriptList(script.sub));
+        return styled(groupOf(std::move(scripts), list(script.e)), script.ctrlPr);
     }
 
 private:
@@ -368,7 +394,8 @@ private:
         const QString text = run ? run->text.trimmed() : QString();
         if (text.isEmpty())
             return nullptr;
-        const QString lowered = text.toLower();
+        // "lim sup" and "lim inf" are the names of \limsup and \liminf.
+        const QString lowered = text.toLower().remove(QLatin1Char(' '));
         KLatexNodePtr name;
         KLatexNodePtr sub;
         if (isLimitName(lowered)) {
@@ -485,6 +512,25 @@ private:
         return notation.join(QLatin1Char(','));
     }
 
+    // An operand of a large operator or a function: bare when it is one atom that
+    // the LaTeX reader takes as the operand on its own (\sum_{i} x, \sin x), else
+    // in braces so that all of it is read back as the operand (\sin{2x}).
+    static KLatexNodePtr operand(KLatexNodePtr body)
+    {
+        if (isLatexAtom(body.get()))
+            return body;
+        return braced(std::move(body));
+    }
+
+    // A limit or script list; primes in it are \prime, not apostrophes.
+    KLatexNodePtr scriptList(const KOmmlNodeList& nodes)
+    {
+        ++m_converter.m_scriptDepth;
+        KLatexNodePtr converted = list(nodes);
+        --m_converter.m_scriptDepth;
+        return converted;
+    }
+
     KLatexNodePtr convert(const KOmmlNode* node) { return m_converter.convert(node); }
     KLatexNodePtr list(const KOmmlNodeList& nodes) { return m_converter.convertList(nodes); }
 
@@ -500,6 +546,9 @@ private:
         const QString name = delimiterName(chr);
         if (name != chr && name != QLatin1String("."))
             return command(name);
+        const QVector<uint> codePoints = chr.toUcs4();
+        if (codePoints.size() == 1 && !symbolCommand(codePoints.front()).isEmpty())
+            return command(symbolCommand(codePoints.front())); // \left\Vert
         return makeText(name);
     }
 
@@ -517,11 +566,42 @@ KLatexNodePtr KOmmlToLatexConverter::convert(const KOmmlNode* node)
     return result;
 }
 
+namespace {
+
+bool sameRunProperties(const ORun& a, const ORun& b)
+{
+    const OWordRunProperties& x = a.wordProps;
+    const OWordRunProperties& y = b.wordProps;
+    return a.mathProps.script == b.mathProps.script && a.mathProps.style == b.mathProps.style &&
+           x.asciiFont == y.asciiFont && x.italic == y.italic && x.bold == y.bold && x.color == y.color;
+}
+
+} // namespace
+
 KLatexNodePtr KOmmlToLatexConverter::convertList(const KOmmlNodeList& list)
 {
     KLatexNodeList results;
-    for (const KOmmlNodePtr& node : list) {
-        if (KLatexNodePtr converted = convert(node.get()))
+    for (size_t i = 0; i < list.size(); ++i) {
+        const KOmmlNode* node = list[i].get();
+        // Neighbouring runs of one style are one run, so that they share one style
+        // command: \mathrm{ab}, not \mathrm{a}\mathrm{b}.
+        const ORun* run = ommlAs<ORun>(node);
+        KOmmlNodePtr merged;
+        if (run && runIsStyled(*run)) {
+            size_t next = i + 1;
+            while (next < list.size() && ommlAs<ORun>(list[next].get()) &&
+                   sameRunProperties(*run, *ommlAs<ORun>(list[next].get())))
+                ++next;
+            if (next > i + 1) {
+                ORun joined = *run;
+                for (size_t j = i + 1; j < next; ++j)
+                    joined.text += ommlAs<ORun>(list[j].get())->text;
+                merged = makeOmmlNode(std::move(joined));
+                node = merged.get();
+                i = next - 1;
+            }
+        }
+        if (KLatexNodePtr converted = convert(node))
             results.push_back(std::move(converted));
     }
     if (results.size() == 1)

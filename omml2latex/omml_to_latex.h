@@ -8,9 +8,10 @@
 #include "latex/latex_ast.h"
 #include "omml/omml_model.h"
 
-// The text nodes of one run's text: words of letters and digits, every other
-// character alone, white space dropped. Null when nothing is left.
-KLatexNodePtr runTextToLatex(const QString& text);
+// The nodes of one run's text: words of letters and digits, characters that have a
+// LaTeX command as that command, every other character alone, spaces as spacing
+// commands. Primes are apostrophes, or \prime inside a script. Null when nothing is left.
+KLatexNodePtr runTextToLatex(const QString& text, bool inScript = false);
 
 class KOmmlToLatexConverter {
 public:
@@ -31,8 +32,12 @@ public:
                                     const OWordRunProperties& wordProps);
     // Style wrapping of a structure: only when its control properties ask for it.
     static KLatexNodePtr applyControlStyle(KLatexNodePtr node, const OControlProperties& ctrlPr);
+    // A styled run: a math alphabet command wraps only the characters it changes
+    // (\mathrm{d}x, not \mathrm{d+x}); other styles wrap the whole run.
+    static KLatexNodePtr runToLatex(const ORun& run, bool inScript);
 
 private:
     class OmmlToLatexVisitor;
     int m_depth = 0;
+    int m_scriptDepth = 0; // how many scripts the node being converted is inside
 };

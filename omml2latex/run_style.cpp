@@ -3,6 +3,8 @@
 #include "omml2latex/omml_to_latex.h"
 #include "omml2latex/tables.h"
 
+#include <QSet>
+
 namespace {
 
 KLatexNodePtr wrapInCommand(const QString& name, KLatexNodePtr node)
@@ -84,44 +86,239 @@ QString fontCommand(const OMathRunProperties* mathProps, const OWordRunPropertie
 
 } // namespace
 
-// Splits run text into words (letters and digits) and single other characters.
-// Characters are kept as they are: a Greek letter or an operator stays one Unicode
-// character in its own text node. A space becomes the spacing command of its
-// width, since LaTeX drops the spaces of math text; two em spaces are one \qquad.
-KLatexNodePtr runTextToLatex(const QString& text)
+namespace {
+
+// What a piece of run text is, for the style commands that wrap only what they change.
+enum class PieceKind { word, symbol, alphabet, space, other };
+
+struct Piece {
+    KLatexNodePtr node;
+    PieceKind kind;
+    QString text; // the characters the piece stands for
+};
+
+bool isPrime(char32_t c)
 {
-    KLatexNodeList pieces;
+    return c == 0x2032 || c == 0x2033 || c == 0x2034 || c == 0x2057;
+}
+
+int primeCount(char32_t c)
+{
+    switch (c) {
+    case 0x2033:
+        return 2;
+    case 0x2034:
+        return 3;
+    case 0x2057:
+        return 4;
+    default:
+        return 1;
+    }
+}
+
+QString fromCodePoint(char32_t c)
+{
+    const uint ucs4 = c;
+    return QString::fromUcs4(&ucs4, 1);
+}
+
+// A character as LaTeX: its command, or itself.
+KLatexNodePtr characterNode(char32_t c)
+{
+    const QString name = symbolCommand(c);
+    return name.isEmpty() ? makeText(fromCodePoint(c)) : makeCommand(name);
+}
+
+// Splits run text into pieces: words of letters and digits; characters that have a
+// command (\theta, \le) as that command; letters of a mathematical alphabet as
+// its command around the plain letters (\mathbb{R}); every other character alone.
+// Primes are apostrophes on the baseline and \prime inside a script, where an
+// apostrophe would be a second superscript. A space becomes the spacing command
+// of its width, since LaTeX drops the spaces of math text; two em spaces are one \qquad.
+std::vector<Piece> runPieces(const QString& text, bool inScript)
+{
+    std::vector<Piece> pieces;
     QString word;
     const auto flushWord = [&] {
         if (!word.isEmpty())
-            pieces.push_back(makeText(word));
+            pieces.push_back({makeText(word), PieceKind::word, word});
         word.clear();
     };
     const QString quad = QStringLiteral("space_quad");
-    for (const QChar c : text) {
-        if (isRunSpace(c)) {
+    const QVector<uint> codePoints = text.toUcs4();
+    for (const uint u : codePoints) {
+        const auto c = char32_t(u);
+        const QChar unit = u < 0x10000 ? QChar(ushort(u)) : QChar();
+        KMathAlphanumeric alphanumeric;
+        if (u < 0x10000 && isRunSpace(unit)) {
             flushWord();
-            const QString name = spacingCommand(c);
+            const QString name = spacingCommand(unit);
             if (name.isEmpty())
                 continue;
-            auto* previous = pieces.empty() ? nullptr : latexAs<KLatexCommand>(pieces.back().get());
+            auto* previous = pieces.empty() ? nullptr : latexAs<KLatexCommand>(pieces.back().node.get());
             if (name == quad && previous && previous->name == quad)
                 previous->name = QStringLiteral("space_qquad");
             else
-                pieces.push_back(makeCommand(name));
-        } else if (isWordChar(c)) {
-            word.append(c);
+                pieces.push_back({makeCommand(name), PieceKind::space, QString(unit)});
+        } else if (c == 0x2212) {
+            flushWord();
+            pieces.push_back({makeText(QStringLiteral("-")), PieceKind::other, QStringLiteral("-")});
+        } else if (c == '\\') {
+            // Escaped, a backslash would be a line break.
+            flushWord();
+            pieces.push_back({makeCommand(QStringLiteral("backslash")), PieceKind::other, QString()});
+        } else if (c == '\'' && inScript) {
+            flushWord();
+            pieces.push_back({makeCommand(QStringLiteral("prime")), PieceKind::other, QString()});
+        } else if (isPrime(c)) {
+            flushWord();
+            const int count = primeCount(c);
+            for (int i = 0; i < count; ++i) {
+                if (inScript)
+                    pieces.push_back({makeCommand(QStringLiteral("prime")), PieceKind::other, QString()});
+                else
+                    pieces.push_back({makeText(QStringLiteral("'")), PieceKind::other, QString()});
+            }
+        } else if (!symbolCommand(c).isEmpty()) {
+            flushWord();
+            pieces.push_back({makeCommand(symbolCommand(c)), PieceKind::symbol, fromCodePoint(c)});
+        } else if (mathAlphanumeric(c, &alphanumeric)) {
+            flushWord();
+            KLatexNodePtr plain = characterNode(alphanumeric.base);
+            if (alphanumeric.command.isEmpty()) {
+                pieces.push_back({std::move(plain), PieceKind::word, fromCodePoint(alphanumeric.base)});
+                continue;
+            }
+            // Neighbours of one alphabet share its command: \mathbb{NZ}.
+            auto* previous = pieces.empty() ? nullptr : latexAs<KLatexCommand>(pieces.back().node.get());
+            if (pieces.empty() || pieces.back().kind != PieceKind::alphabet ||
+                previous->name != alphanumeric.command) {
+                KLatexArgs args;
+                args.push_back(KLatexArg{false, makeGroup()});
+                pieces.push_back({makeCommand(alphanumeric.command, std::move(args)), PieceKind::alphabet,
+                                  fromCodePoint(c)});
+                previous = latexAs<KLatexCommand>(pieces.back().node.get());
+            }
+            auto* body = latexAs<KLatexGroup>(previous->args.front().node.get());
+            auto* last = body->children.empty() ? nullptr : latexAs<KLatexText>(body->children.back().get());
+            const auto* plainText = latexAs<KLatexText>(plain.get());
+            if (last && plainText)
+                last->text += plainText->text;
+            else
+                body->children.push_back(std::move(plain));
+        } else if (u < 0x10000 ? isWordChar(unit) : QChar::isLetterOrNumber(u)) {
+            word.append(fromCodePoint(c));
         } else {
             flushWord();
-            pieces.push_back(makeText(QString(c)));
+            pieces.push_back({makeText(fromCodePoint(c)), PieceKind::other, fromCodePoint(c)});
         }
     }
     flushWord();
-    if (pieces.empty())
+    return pieces;
+}
+
+KLatexNodePtr joined(KLatexNodeList nodes)
+{
+    if (nodes.empty())
         return nullptr;
-    if (pieces.size() == 1)
-        return std::move(pieces.front());
-    return makeGroup(std::move(pieces));
+    if (nodes.size() == 1)
+        return std::move(nodes.front());
+    return makeGroup(std::move(nodes));
+}
+
+// Whether a math alphabet command changes how a character is drawn: letters for
+// \mathrm (the capital Greek letters are upright already), letters and digits
+// for the others. Operators, punctuation and fences look the same in every alphabet.
+bool changedBy(const QString& command, const QString& text)
+{
+    const bool roman = command == QLatin1String("mathrm");
+    for (const uint u : text.toUcs4()) {
+        if (roman && u >= 0x0391 && u <= 0x03A9)
+            continue;
+        if (QChar::isLetter(u) || (!roman && QChar::isDigit(u)))
+            return true;
+    }
+    return false;
+}
+
+// The commands that draw letters and digits in another alphabet and leave the
+// rest of the run as it is.
+bool isLetterAlphabet(const QString& command)
+{
+    static const QSet<QString> alphabets = {
+        QStringLiteral("mathrm"),   QStringLiteral("mathbf"), QStringLiteral("mathit"),
+        QStringLiteral("mathsf"),   QStringLiteral("mathtt"), QStringLiteral("mathcal"),
+        QStringLiteral("mathfrak"), QStringLiteral("mathbb"),
+    };
+    return alphabets.contains(command);
+}
+
+// The pieces with every stretch of pieces the command changes wrapped in it:
+// \mathrm{d}x. Spaces next to a changed piece go inside (\mathbf{a\ b}+c), where
+// they keep the style of the text they belong to.
+KLatexNodeList wrapChanged(std::vector<Piece> pieces, const QString& command)
+{
+    KLatexNodeList out;
+    KLatexNodeList group;
+    KLatexNodeList spaces;
+    const auto flushGroup = [&] {
+        if (!group.empty()) {
+            KLatexArgs args;
+            args.push_back(KLatexArg{false, joined(std::move(group))});
+            out.push_back(makeCommand(command, std::move(args)));
+        }
+        group.clear();
+        for (KLatexNodePtr& space : spaces)
+            out.push_back(std::move(space));
+        spaces.clear();
+    };
+    for (Piece& piece : pieces) {
+        if (piece.kind == PieceKind::space) {
+            (group.empty() ? spaces : group).push_back(std::move(piece.node));
+        } else if ((piece.kind == PieceKind::word || piece.kind == PieceKind::symbol) &&
+                   changedBy(command, piece.text)) {
+            for (KLatexNodePtr& space : spaces)
+                group.push_back(std::move(space));
+            spaces.clear();
+            group.push_back(std::move(piece.node));
+        } else {
+            flushGroup();
+            out.push_back(std::move(piece.node));
+        }
+    }
+    flushGroup();
+    return out;
+}
+
+KLatexNodeList nodesOf(std::vector<Piece> pieces)
+{
+    KLatexNodeList nodes;
+    for (Piece& piece : pieces)
+        nodes.push_back(std::move(piece.node));
+    return nodes;
+}
+
+} // namespace
+
+KLatexNodePtr runTextToLatex(const QString& text, bool inScript)
+{
+    return joined(nodesOf(runPieces(text, inScript)));
+}
+
+KLatexNodePtr KOmmlToLatexConverter::runToLatex(const ORun& run, bool inScript)
+{
+    const OWordRunProperties& word = run.wordProps;
+    const QString command = word.bold || word.italic ? QString() : fontCommand(&run.mathProps, word);
+    if (!isLetterAlphabet(command)) {
+        KLatexNodePtr text = runTextToLatex(run.text, inScript);
+        return applyStyle(std::move(text), &run.mathProps, run.wordProps);
+    }
+    KLatexNodePtr text = joined(wrapChanged(runPieces(run.text, inScript), command));
+    // The alphabet is applied; what is left to add is the colour.
+    OWordRunProperties colourOnly;
+    colourOnly.asciiFont.clear();
+    colourOnly.color = word.color;
+    return applyStyle(std::move(text), nullptr, colourOnly);
 }
 
 KLatexNodePtr KOmmlToLatexConverter::applyStyle(KLatexNodePtr node, const OMathRunProperties* mathProps,

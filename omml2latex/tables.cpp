@@ -182,3 +182,104 @@ QString colourName(const QColor& colour)
         .arg(colour.green(), 2, 16, QLatin1Char('0'))
         .arg(colour.blue(), 2, 16, QLatin1Char('0'));
 }
+
+QString symbolCommand(char32_t codePoint)
+{
+    struct Entry {
+        const char16_t* key;
+        const char16_t* value;
+    };
+    static const QHash<char32_t, QString> commands = [] {
+        static const Entry entries[] = {
+#include "omml2latex/symbol_commands.inc"
+        };
+        QHash<char32_t, QString> map;
+        for (const Entry& entry : entries) {
+            const QVector<uint> key = QString::fromUtf16(entry.key).toUcs4();
+            map.insert(key.front(), QString::fromUtf16(entry.value));
+        }
+        return map;
+    }();
+    return commands.value(codePoint);
+}
+
+namespace {
+
+// The alphabets of the Mathematical Alphanumeric Symbols block, in block order;
+// "-" marks an alphabet that LaTeX has no single command for.
+const char* const kLatinAlphabets[] = {"mathbf", "",       "boldsymbol", "mathcal", "-", "mathfrak", "mathbb",
+                                       "-",      "mathsf", "-",          "-",       "-", "mathtt"};
+const char* const kGreekAlphabets[] = {"mathbf", "", "boldsymbol", "-", "-"};
+const char* const kDigitAlphabets[] = {"mathbf", "mathbb", "mathsf", "-", "mathtt"};
+
+// Letters of the Letterlike Symbols block that fill the holes of the alphabets above.
+struct LetterlikeEntry {
+    char32_t codePoint;
+    char32_t base;
+    const char* command;
+};
+const LetterlikeEntry kLetterlike[] = {
+    {0x2102, 'C', "mathbb"},   {0x210A, 'g', "mathcal"}, {0x210B, 'H', "mathcal"},  {0x210C, 'H', "mathfrak"},
+    {0x210D, 'H', "mathbb"},   {0x210E, 'h', ""},        {0x2110, 'I', "mathcal"},  {0x2112, 'L', "mathcal"},
+    {0x2115, 'N', "mathbb"},   {0x2119, 'P', "mathbb"},  {0x211A, 'Q', "mathbb"},   {0x211B, 'R', "mathcal"},
+    {0x211D, 'R', "mathbb"},   {0x2124, 'Z', "mathbb"},  {0x2128, 'Z', "mathfrak"}, {0x212C, 'B', "mathcal"},
+    {0x212D, 'C', "mathfrak"}, {0x212F, 'e', "mathcal"}, {0x2130, 'E', "mathcal"},  {0x2131, 'F', "mathcal"},
+    {0x2133, 'M', "mathcal"},  {0x2134, 'o', "mathcal"},
+};
+
+} // namespace
+
+bool mathAlphanumeric(char32_t codePoint, KMathAlphanumeric* result)
+{
+    const char* command = nullptr;
+    char32_t base = 0;
+    for (const LetterlikeEntry& entry : kLetterlike) {
+        if (entry.codePoint == codePoint) {
+            command = entry.command;
+            base = entry.base;
+        }
+    }
+    if (!command && codePoint >= 0x1D400 && codePoint <= 0x1D7FF) {
+        // The plain character is the compatibility decomposition of a font variant.
+        if (QChar::decompositionTag(uint(codePoint)) != QChar::Font)
+            return false;
+        const QVector<uint> plain = QChar::decomposition(uint(codePoint)).toUcs4();
+        if (plain.size() != 1)
+            return false;
+        base = plain.front();
+        if (codePoint < 0x1D6A4)
+            command = kLatinAlphabets[(codePoint - 0x1D400) / 52];
+        else if (codePoint < 0x1D6A8)
+            command = ""; // italic dotless i and j
+        else if (codePoint < 0x1D7CA)
+            command = kGreekAlphabets[(codePoint - 0x1D6A8) / 58];
+        else if (codePoint >= 0x1D7CE)
+            command = kDigitAlphabets[(codePoint - 0x1D7CE) / 10];
+        else
+            command = "mathbf"; // bold digamma
+    }
+    if (!command || qstrcmp(command, "-") == 0)
+        return false;
+    result->base = base;
+    result->command = QString::fromLatin1(command);
+    return true;
+}
+
+bool naryLimitsAboveByDefault(const QString& command)
+{
+    static const QSet<QString> above = makeNameSet({
+        u"sum",
+        u"prod",
+        u"coprod",
+        u"bigwedge",
+        u"bigvee",
+        u"bigcap",
+        u"bigcup",
+        u"bigsqcup",
+        u"bigodot",
+        u"bigoplus",
+        u"bigotimes",
+        u"biguplus",
+    });
+    return above.contains(command);
+}

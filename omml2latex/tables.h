@@ -55,3 +55,23 @@ QString scriptCommand(OScript script);
 // The \textcolor name of a colour: empty for an invalid colour, the colour
 // table's name for a listed RGB value (alpha ignored), else "#rrggbb".
 QString colourName(const QColor& colour);
+
+// The argument-less command that writes a character of run text, such as "theta"
+// for U+03B8 or "le" for U+2264; empty for a character without one.
+QString symbolCommand(char32_t codePoint);
+
+// A letter or digit of a mathematical alphabet (bold, script, fraktur,
+// double-struck, ...): the plain character it is drawn from and the LaTeX
+// alphabet command that draws it ("mathbb" for U+211D, "mathbf" for U+1D431).
+// The command is empty for the italic alphabet, which is how math letters are
+// drawn anyway. False for other characters and for alphabets without a command
+// of their own (bold script, sans-serif bold, ...).
+struct KMathAlphanumeric {
+    char32_t base = 0;
+    QString command;
+};
+bool mathAlphanumeric(char32_t codePoint, KMathAlphanumeric* result);
+
+// Whether TeX sets the limits of a large operator command above and below it in
+// display style (\sum, \bigcup) rather than beside it (\int, \oint).
+bool naryLimitsAboveByDefault(const QString& command);

@@ -51,7 +51,7 @@ TEST(LatexWriter, PrintsWholeTrees)
         // Spaces between pieces: after a control word before a letter, between alphanumerics, after "}".
         {group(cmd("alpha"), t("x")), "\\alpha x"},
         {group(cmd("alpha"), cmd("beta"), t("+"), cmd("gamma")), "\\alpha\\beta+\\gamma"},
-        {group(t("1"), t("x"), t("+"), t("2"), t("3")), "1 x+2 3"},
+        {group(t("1"), t("x"), t("+"), t("2"), t("3")), "1 x+23"},
         {group(frac(), t("x"), frac(), t("2")), "\\frac{a}{b} x\\frac{a}{b}2"},
         {group(t("}"), t("x"), cmd("{"), t("y")), "\\} x\\{y"},
         {group(t("α"), t("β"), t("\u0663"), t("x")), "α β \u0663 x"},
@@ -71,7 +71,7 @@ TEST(LatexWriter, PrintsWholeTrees)
         // A space of the text is a control space, braced as a script; the lexer's
         // no-break space is a tie.
         {group(t("if"), cmd("space_normal"), t("x"), cmd("nbsp"), t("y")), "if\\ x~y"},
-        {script(t("x"), cmd("space_normal"), cmd("space_thin")), "x^{\\ }_\\,"},
+        {script(t("x"), cmd("space_normal"), cmd("space_thin")), "x_\\,^{\\ }"},
         {cmd("left", arg(makeLeftRight("{", "}", group(t("\\"), cmd("space_normal")), false))), "\\left\\\\"},
         {makeUnknownCommand("space_quad", args(arg(t("x")))), "\\quad "},
         // \left and \right print their first argument, unwrapping a braced delimiter.
@@ -98,18 +98,24 @@ TEST(LatexWriter, PrintsWholeTrees)
         {hat(t("\U0001D465")), "\\hat{\U0001D465}", bare},
         {hat(frac()), "\\hat{\\fracab}", bare},
         {hat(script(t("a"), t("2"))), "\\hat{a^2}", bare},
-        // Scripts: superscript first, braces unless simple (or always with the option off).
-        {script(t("x"), t("2"), t("i")), "x^2_i"},
-        {script(t("x"), t("2"), t("i")), "x^{2}_{i}", options(false, false)},
+        // Scripts: subscript first, braces unless simple (or always with the option off).
+        {script(t("x"), t("2"), t("i")), "x_i^2"},
+        {script(t("x"), t("2"), t("i")), "x_{i}^{2}", options(false, false)},
         {script(t("x"), group(t("a"), t("b"))), "x^{a b}"},
-        {script(group(), t("2"), t("3")), "{}^2_3"},
+        {script(group(), t("2"), t("3")), "{}_3^2"},
         {std::make_unique<KLatexNode>(KLatexNode{KLatexScript{nullptr, t("2"), nullptr}}), "{}^2"},
         {group(script(t("x"), t("2")), t("3")), "x^2 3"},
-        // A base that ends in a script of the same kind is closed in braces.
+        // A base that ends in a script is closed in braces, and so is a base of
+        // more than one atom; a number or a letter runs on into a script.
         {script(script(t("x"), nullptr, t("a")), nullptr, t("b")), "{x_a}_b"},
-        {script(group(t("y"), script(t("x"), t("a"))), t("b")), "{y x^a}^b"},
-        {script(script(t("x"), nullptr, t("a")), t("2")), "x_a^2"},
-        {group(script(t("u"), t("d"), t("a")), script(group(), nullptr, t("m"))), "u^d_a{}_m"},
+        {script(group(t("y"), script(t("x"), t("a"))), t("b")), "{yx^a}^b"},
+        {script(script(t("x"), nullptr, t("a")), t("2")), "{x_a}^2"},
+        {script(t("ab"), nullptr, t("n")), "{ab}_n"},
+        {group(t("Torsio"), script(t("n"), nullptr, t("n"))), "Torsion_n"},
+        {group(t("0.30"), script(t("4"), t("2"))), "0.304^2"},
+        {group(cmd("circ"), script(t("h"), nullptr, t("1"))), "\\circ h_1"},
+        {script(group(cmd("sum"), cmd("limits")), t("n"), t("i")), "\\sum\\limits_i^n"},
+        {group(script(t("u"), t("d"), t("a")), script(group(), nullptr, t("m"))), "u_a^d{}_m"},
         // Delimited groups.
         {makeLeftRight("|", "|", t("x"), false), "|x|"},
         {makeLeftRight("(", ")", group(), true), "\\left(  \\right)"},

@@ -32,10 +32,10 @@ QStringList readCorpus()
 }
 
 // Below this share of the corpus reaching a fixed point something regressed.
-// The formulas that do not get there lose information on the way by design:
-// spacing commands and run spaces, \operatorname and \mathop names that become
-// plain runs, scripts stacked on scripts, commands shown as literal text.
-constexpr double kMinimumFixedShare = 0.90;
+// The formulas that do not get there lose information on the way: spacing
+// commands next to run spaces, \mathop names that become plain runs, commands
+// shown as literal text, colours named differently on the way back.
+constexpr double kMinimumFixedShare = 0.99;
 
 TEST(CorpusRoundTrip, ReachesAFixedPoint)
 {
