@@ -19,7 +19,7 @@ PARAGRAPHS = [
     (["$$\\sum_{i=1}^n i$$"], [(True, "\\sum_{i=1}^n i")]),
     (["\\[\\sqrt{2}\\]"], [(True, "\\sqrt{2}")]),
     (["Prices \\$3 and \\$4 stay text"], []),
-    (["Non-BMP $\U0001D465 + 1$"], [(False, "\U0001D465 + 1")]),
+    (["Non-BMP $\U0001D4D0 + 1$"], [(False, "\U0001D4D0 + 1")]),
 ]
 BROKEN = "bad $\\frac{a$ stays"
 
