@@ -304,13 +304,8 @@ public:
 
     KLatexNodePtr operator()(const OGroupChar& group)
     {
-        if (groupCharCommands().contains(group.chr)) {
-            // A brace or bracket above or below carries the italic switch by
-            // construction; it is part of the command, not a style of its own.
-            OControlProperties ctrlPr = group.ctrlPr;
-            ctrlPr.wordProps.italic = false;
-            return styled(command(groupCharCommands().value(group.chr), list(group.e)), ctrlPr);
-        }
+        if (groupCharCommands().contains(group.chr))
+            return styled(command(groupCharCommands().value(group.chr), list(group.e)), group.ctrlPr);
         KLatexNodePtr symbol = arrowCommands().contains(group.chr) ? command(arrowCommands().value(group.chr))
                                                                    : makeText(group.chr);
         const QString name =

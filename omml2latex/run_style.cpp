@@ -340,9 +340,14 @@ KLatexNodePtr KOmmlToLatexConverter::applyStyle(KLatexNodePtr node, const OMathR
 
 KLatexNodePtr KOmmlToLatexConverter::applyControlStyle(KLatexNodePtr node, const OControlProperties& ctrlPr)
 {
-    const OWordRunProperties& word = ctrlPr.wordProps;
-    const bool asked =
-        !word.asciiFont.isEmpty() || word.italic || word.bold || word.color || ctrlPr.mathProps.has_value();
+    // The italic and bold switches of a structure's control character are not its
+    // content's style: word processors set the italic one on every structure, as math
+    // letters are italic, and \textit or \textbf cannot hold a fraction or a root.
+    // The content's own runs carry the style that matters.
+    OWordRunProperties word = ctrlPr.wordProps;
+    word.italic = false;
+    word.bold = false;
+    const bool asked = !word.asciiFont.isEmpty() || word.color || ctrlPr.mathProps.has_value();
     if (!asked)
         return node;
     return applyStyle(std::move(node), ctrlPr.mathProps ? &*ctrlPr.mathProps : nullptr, word);

@@ -218,14 +218,16 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {m("f", m("fPr", ctrl(v("sty", "b"), "")) + ab), "\\mathbf{\\frac{a}{b}}"},
         {m("f", m("fPr", ctrl(v("scr", "double-struck"), font(""))) + ab), "\\mathbb{\\frac{a}{b}}"},
         {m("f", m("fPr", ctrl("", font(""))) + ab), "\\frac{a}{b}"},
-        {m("f", m("fPr", ctrl("", "<w:b/>")) + ab), "\\textbf{\\frac{a}{b}}"},
+        // Text fonts cannot hold a fraction: the control character's switches are not its style.
+        {m("f", m("fPr", ctrl("", "<w:b/>")) + ab), "\\frac{a}{b}"},
+        {m("f", m("fPr", ctrl(v("sty", "b"), "<w:b/>")) + ab), "\\mathbf{\\frac{a}{b}}"},
         {m("rad", m("radPr", v("degHide", "on") + ctrl("", colour("00FF00"))) + x),
          "\\textcolor{green}{\\sqrt{x}}"},
         {m("sSup", m("sSupPr", ctrl("", font("Cambria Math"))) + x + m("sup", r("2"))), "x^2"},
         // A binomial takes the properties of its delimiter, cases keep both.
-        {m("d", m("dPr", ctrl("", "<w:b/>")) +
-                    m("e", m("f", m("fPr", v("type", "nobar") + ctrl("", "<w:i/>")) + ab))),
-         "\\textbf{\\binom{a}{b}}"},
+        {m("d", m("dPr", ctrl("", colour("FF0000"))) +
+                    m("e", m("f", m("fPr", v("type", "nobar") + ctrl("", colour("0000FF"))) + ab))),
+         "\\textcolor{red}{\\binom{a}{b}}"},
         {m("d", m("dPr", v("begChr", "{") + v("endChr", "") + ctrl("", colour("FF0000"))) +
                     m("e", m("eqArr", m("eqArrPr", ctrl(p, "")) + e("a") + e("b")))),
          "\\textcolor{red}{\\mathrm{\\begin{cases}\n\ta \\\\\n\tb\n\\end{cases}}}"},
