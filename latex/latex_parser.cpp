@@ -13,12 +13,32 @@ namespace {
 bool isInfixFraction(const QString& name)
 {
     static const QLatin1String names[] = {QLatin1String("over"), QLatin1String("atop"),
-                                          QLatin1String("above"), QLatin1String("choose")};
+                                          QLatin1String("above"), QLatin1String("choose"),
+                                          QLatin1String("brace"), QLatin1String("brack")};
     for (const QLatin1String& n : names) {
         if (name == n)
             return true;
     }
     return false;
+}
+
+// True for a dimension such as "0pt" or "0.0em": its number is zero.
+bool isZeroDimension(const KLatexNode* node)
+{
+    QString text;
+    if (const auto* single = latexAs<KLatexText>(node))
+        text = single->text;
+    else if (const auto* group = latexAs<KLatexGroup>(node))
+        for (const auto& child : group->children)
+            if (const auto* part = latexAs<KLatexText>(child.get()))
+                text += part->text;
+    int end = 0;
+    while (end < text.size() && (text.at(end).isDigit() || text.at(end) == QLatin1Char('.') ||
+                                 text.at(end) == QLatin1Char('-') || text.at(end) == QLatin1Char('+')))
+        ++end;
+    bool ok = false;
+    const double value = text.left(end).toDouble(&ok);
+    return ok && value == 0.0;
 }
 
 // The plain-TeX matrix commands that take their rows in one brace group (\pmatrix{a & b \cr c & d}).
@@ -164,7 +184,12 @@ KLatexNodePtr KLatexParser::parseItems(const StopPredicate& stop, bool allowInfi
                 continue;
             }
             if (isInfixFraction(token.text)) {
-                const QString name = advance().text;
+                QString name = advance().text;
+                // \above is followed by the thickness of its rule; a zero rule stacks without one.
+                if (name == QLatin1String("above") && peek().kind != TokenKind::EndOfInput) {
+                    if (isZeroDimension(parseDimensionArgument().get()))
+                        name = QStringLiteral("atop");
+                }
                 KLatexNodePtr right = parseExprUntil(stop, false);
                 KLatexArgs args;
                 args.push_back(KLatexArg{false, makeGroup(std::move(items))});

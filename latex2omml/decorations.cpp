@@ -106,6 +106,12 @@ const QHash<QString, QString>& arrowCharacters()
         {QStringLiteral("xtwoheadleftarrow"), QStringLiteral("\u219E")},
         {QStringLiteral("xlongequal"), QStringLiteral("=")},
         {QStringLiteral("xtofrom"), QStringLiteral("\u21C4")},
+        {QStringLiteral("xleftharpoondown"), QStringLiteral("\u21BD")},
+        {QStringLiteral("xleftharpoonup"), QStringLiteral("\u21BC")},
+        {QStringLiteral("xrightharpoondown"), QStringLiteral("\u21C1")},
+        {QStringLiteral("xrightharpoonup"), QStringLiteral("\u21C0")},
+        {QStringLiteral("xleftrightharpoons"), QStringLiteral("\u21CB")},
+        {QStringLiteral("xrightleftharpoons"), QStringLiteral("\u21CC")},
     };
     return table;
 }
@@ -222,14 +228,15 @@ KOmmlNodeList overGroup(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     static const QSet<QString> accepted = {QStringLiteral("overbrace"), QStringLiteral("overbracket"),
                                            QStringLiteral("overparen"), QStringLiteral("overequal"),
-                                           QStringLiteral("wideparen")};
+                                           QStringLiteral("wideparen"), QStringLiteral("overgroup"),
+                                           QStringLiteral("Overrightarrow")};
     return groupCharacter(ast, command, accepted, kOverPlacement);
 }
 
 KOmmlNodeList underGroup(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     static const QSet<QString> accepted = {QStringLiteral("underbrace"), QStringLiteral("underbracket"),
-                                           QStringLiteral("underparen")};
+                                           QStringLiteral("underparen"), QStringLiteral("undergroup")};
     return groupCharacter(ast, command, accepted, kUnderPlacement);
 }
 

@@ -62,6 +62,14 @@ KOmmlNodeList unicodeCharacter(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList equationLabel(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList spannedCell(KLatexAst2Omml&, const KLatexCommand&);
 
+// Notations around an argument (notations.cpp)
+KOmmlNodeList bracketed(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList partialFrame(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList circled(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList visibleContent(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList uprightName(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList linkText(KLatexAst2Omml&, const KLatexCommand&);
+
 // Chemistry (chemistry.cpp)
 KOmmlNodeList chemicalFormula(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList physicalUnit(KLatexAst2Omml&, const KLatexCommand&);

@@ -22,14 +22,19 @@ KOmmlNodePtr makeNameRun(QString text)
 }
 
 // A binomial is a fraction without bar between round brackets.
-KOmmlNodePtr parenthesised(KOmmlNodePtr fraction, const OControlProperties& style)
+KOmmlNodePtr fenced(KOmmlNodePtr fraction, const OControlProperties& style, QString open, QString close)
 {
     ODelimiter delimiter;
     delimiter.e = makeOmmlList(std::move(fraction));
-    delimiter.begChr = QStringLiteral("(");
-    delimiter.endChr = QStringLiteral(")");
+    delimiter.begChr = std::move(open);
+    delimiter.endChr = std::move(close);
     delimiter.ctrlPr = style;
     return makeOmmlNode(std::move(delimiter));
+}
+
+KOmmlNodePtr parenthesised(KOmmlNodePtr fraction, const OControlProperties& style)
+{
+    return fenced(std::move(fraction), style, QStringLiteral("("), QStringLiteral(")"));
 }
 
 // A fraction from the two braced arguments that start at `first`, which must be
@@ -240,6 +245,16 @@ KOmmlNodeList fraction(KLatexAst2Omml& converter, const KLatexCommand& command)
 
 KOmmlNodeList infixFraction(KLatexAst2Omml& converter, const KLatexCommand& command)
 {
+    // {n \brace k} and {n \brack k}: the two parts stacked without a rule, in braces or brackets.
+    const bool braced = command.name == QLatin1String("brace");
+    if (braced || command.name == QLatin1String("brack")) {
+        KOmmlNodeList stacked = buildFraction(converter, command.args, OFractionType::noBar, false);
+        if (stacked.empty())
+            return {};
+        return makeOmmlList(fenced(std::move(stacked.front()), converter.currentStyle(),
+                                   braced ? QStringLiteral("{") : QStringLiteral("["),
+                                   braced ? QStringLiteral("}") : QStringLiteral("]")));
+    }
     const bool withoutBar = command.name == QLatin1String("atop") || command.name == kChoose;
     return buildFraction(converter, command.args, withoutBar ? OFractionType::noBar : OFractionType::bar,
                          command.name == kChoose);

@@ -36,6 +36,7 @@ struct KDelimiterRow {
 
 const KCommandRow kCommandRows[] = {
 #include "latex2omml/commands_accents.inc"
+#include "latex2omml/commands_alternative_names.inc"
 #include "latex2omml/commands_arrows.inc"
 #include "latex2omml/commands_dots.inc"
 #include "latex2omml/commands_fonts.inc"
@@ -49,6 +50,7 @@ const KCommandRow kCommandRows[] = {
 #include "latex2omml/commands_sets.inc"
 #include "latex2omml/commands_spaces.inc"
 #include "latex2omml/commands_tables.inc"
+#include "latex2omml/commands_text_symbols.inc"
 };
 
 const KEnvironmentRow kEnvironmentRows[] = {

@@ -30,6 +30,8 @@ const QHash<QString, KMathAlphabet>& mathAlphabets()
 {
     static const QHash<QString, KMathAlphabet> table = {
         {QStringLiteral("mathbb"), {OScript::doubleStruck, {}}},
+        {QStringLiteral("Bbb"), {OScript::doubleStruck, {}}},
+        {QStringLiteral("frak"), {OScript::fraktur, {}}},
         {QStringLiteral("mathbf"), {{}, OStyle::bold}},
         {QStringLiteral("bold"), {{}, OStyle::bold}},
         {QStringLiteral("bf"), {{}, OStyle::bold}},
@@ -237,6 +239,7 @@ const QHash<QString, KLabelForm>& labelForms()
     // reference shows its key.
     static const QHash<QString, KLabelForm> table = {
         {QStringLiteral("tag"), {u"(", u")"}},
+        {QStringLiteral("tag*"), {u"", u""}},
         {QStringLiteral("eqref"), {u"(", u")"}},
         {QStringLiteral("ref"), {u"", u""}},
     };
