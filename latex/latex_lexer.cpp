@@ -97,6 +97,7 @@ QString controlSymbolName(char16_t u)
     case u',':
         return QStringLiteral("space_thin");
     case u':':
+    case u'>':
         return QStringLiteral("space_med");
     case u';':
         return QStringLiteral("space_thick");
@@ -112,6 +113,14 @@ QString controlSymbolName(char16_t u)
     case u'{':
     case u'|':
     case u'}':
+    // The accents of running text: \'e, \`e, \^e, \"o, \~n, \=a, \.z.
+    case u'\'':
+    case u'`':
+    case u'^':
+    case u'"':
+    case u'~':
+    case u'=':
+    case u'.':
         return QString(QChar(u));
     default:
         return QString();
@@ -300,6 +309,12 @@ void KLatexLexer::readControlSequence()
             m_lastColourCommand = name;
             m_colourGroupsLeft = name == QLatin1String("fcolorbox") ? 2 : 1;
         }
+        if (name == QLatin1String("verb")) {
+            readVerbatim(start, starred);
+            return;
+        }
+        if (name == QLatin1String("char") && readCharacterCode(start))
+            return;
         append(TokenKind::Command, std::move(name), start, m_position - start, starred);
         return;
     }
@@ -317,6 +332,73 @@ void KLatexLexer::readControlSequence()
     if (startsSurrogatePair(m_position - 1))
         ++m_position;
     append(TokenKind::Char, m_source.mid(start, m_position - start).toString(), start, m_position - start);
+}
+
+void KLatexLexer::readVerbatim(int start, bool starred)
+{
+    // \verb|text|: the character after \verb (or \verb*) delimits text taken as it stands. It is
+    // delivered as the command with one braced argument holding the text as one token.
+    const int commandEnd = m_position;
+    append(TokenKind::Command, QStringLiteral("verb"), start, commandEnd - start, starred);
+    m_afterControlWord = false;
+    if (m_position >= m_end)
+        return;
+    const QChar delimiter = m_source[m_position];
+    const int open = m_position++;
+    const int textStart = m_position;
+    while (m_position < m_end && m_source[m_position] != delimiter && m_source[m_position] != QLatin1Char('\n'))
+        ++m_position;
+    const int textEnd = m_position;
+    const bool closed = m_position < m_end && m_source[m_position] == delimiter;
+    append(TokenKind::LBrace, QStringLiteral("{"), open, 1);
+    if (textEnd > textStart)
+        append(TokenKind::Char, m_source.mid(textStart, textEnd - textStart).toString(), textStart,
+               textEnd - textStart);
+    if (closed)
+        ++m_position;
+    append(TokenKind::RBrace, QStringLiteral("}"), textEnd, closed ? 1 : 0);
+}
+
+bool KLatexLexer::readCharacterCode(int start)
+{
+    // \char65, \char"41, \char'101 and \char`A stand for the character with that code.
+    int at = m_position;
+    while (at < m_end && isBlank(m_source[at]))
+        ++at;
+    if (at >= m_end)
+        return false;
+    int base = 10;
+    const QChar prefix = m_source[at];
+    if (prefix == QLatin1Char('`') && at + 1 < m_end) {
+        const int length = startsSurrogatePair(at + 1) ? 2 : 1;
+        const int skip = m_source[at + 1] == QLatin1Char('\\') && at + 2 < m_end ? 1 : 0;
+        m_position = at + 1 + skip + length;
+        append(TokenKind::Char, m_source.mid(at + 1 + skip, length).toString(), start, m_position - start);
+        return true;
+    }
+    if (prefix == QLatin1Char('"'))
+        base = 16;
+    else if (prefix == QLatin1Char('\''))
+        base = 8;
+    const int digitsStart = base == 10 ? at : at + 1;
+    int end = digitsStart;
+    while (end < m_end && end - digitsStart < 8) {
+        const char16_t u = m_source[end].unicode();
+        const bool digit = base == 16 ? isHexDigit(m_source[end]) && u < 0x80
+                                      : (u >= u'0' && u < char16_t(u'0' + base));
+        if (!digit)
+            break;
+        ++end;
+    }
+    bool ok = false;
+    const uint code = m_source.mid(digitsStart, end - digitsStart).toString().toUInt(&ok, base);
+    constexpr uint kLastCodePoint = 0x10FFFF;
+    if (!ok || code == 0 || code > kLastCodePoint || (code >= 0xD800 && code <= 0xDFFF))
+        return false;
+    m_position = end;
+    const char32_t character = code;
+    append(TokenKind::Char, QString::fromUcs4(&character, 1), start, end - start);
+    return true;
 }
 
 void KLatexLexer::readSingleCodeUnit()

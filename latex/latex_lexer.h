@@ -30,6 +30,8 @@ private:
     bool readColourValue();
     bool readBracketedColour();
     void readSingleCodeUnit();
+    void readVerbatim(int start, bool starred);
+    bool readCharacterCode(int start);
     bool startsSurrogatePair(int at) const;
     void skipColourSpace();
     void append(TokenKind kind, QString text, int pos, int len, bool starred = false);

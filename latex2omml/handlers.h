@@ -70,6 +70,10 @@ KOmmlNodeList visibleContent(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList uprightName(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList linkText(KLatexAst2Omml&, const KLatexCommand&);
 
+// Running text: accents on letters, verbatim text (text_mode.cpp)
+KOmmlNodeList textAccent(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList verbatim(KLatexAst2Omml&, const KLatexCommand&);
+
 // Chemistry (chemistry.cpp)
 KOmmlNodeList chemicalFormula(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList physicalUnit(KLatexAst2Omml&, const KLatexCommand&);

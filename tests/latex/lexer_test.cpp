@@ -59,7 +59,7 @@ const LexCase kLexCases[] = {
     {"\\,\\thinspace\\!\\qquad\\ ~\\{\\|",
      R"x(\"space_thin" 0+2 | \"space_thin" 2+10 | \"space_negthin" 12+2 | \"space_qquad" 14+6 | \"space_normal" 20+2 | \"nbsp" 22+1 | \"{" 23+2 | \"|" 25+2 | End 27)x",
      ""},
-    {"\\'\\1", R"x("\\'" 0+2 | "\\1" 2+2 | End 4)x", ""},
+    {"\\'\\1", R"x(\"'" 0+2 | "\\1" 2+2 | End 4)x", ""},
     {"x\\", R"x("x" 0+1 | \"\\" 1+1 | End 2)x", "1 W_backslash_eof 1+1 Trailing backslash at end of input"},
     {"{}[]^_&#$", R"x({ 0+1 | } 1+1 | [ 2+1 | ] 3+1 | ^ 4+1 | _ 5+1 | & 6+1 | "#" 7+1 | "$" 8+1 | End 9)x",
      ""},

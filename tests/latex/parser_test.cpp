@@ -56,7 +56,7 @@ const ParseCase kCases[] = {
     {R"(\foo[a]{b}{c})", R"(Unknown "foo" "[" "a" "]" Group{"b"} Group{"c"})", ""},
     {R"(\{x\})", R"(Command "{" "x" Command "}")", ""},
     {R"(\end{x})", R"(Command "end" Group{"x"})", ""},
-    {R"(\'e)", R"("\\'" "e")", ""},
+    {R"(\'e)", R"(Command "'"{arg{Group{"e"}}})", ""},
     {R"(\frac}ab)", R"(Command "frac" "a" "b")",
      R"(2 E_arg1_missing 5+1 \frac missing first argument. | 2 E_arg2_missing 5+1 \frac missing second argument. | 2 E_unexpected_token 5+1 Unexpected token while parsing expression.)"},
     {R"(\hat)", R"(Command "hat")", R"(2 E_arg_missing 4+0 \hat expects one argument.)"},

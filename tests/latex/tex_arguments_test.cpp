@@ -122,7 +122,7 @@ const ArgCase kArity[] = {
     // Definitions that cannot be made (the name is no control sequence) keep their arguments.
     {R"(\newcommand{x}{y}z)", R"(Command "newcommand"{arg{Group{"x"}} arg{Group{"y"}}} "z")"},
     {R"(\def{x}#1#2{y}z)", R"(Command "def"{arg{Group{"x"}} arg{Group{"y"}}} "z")"},
-    {R"(\let{a}=\b c)", R"(Command "let"{arg{Group{"a"}} arg{Group{Unknown "b"}}} "c")"},
+    {R"(\let{a}=\q c)", R"(Command "let"{arg{Group{"a"}} arg{Group{Unknown "q"}}} "c")"},
     // Definitions that can be made leave nothing behind.
     {R"(\newcommand\x{y}z)", R"("z")"},
     {R"(\def\x#1#2{y}z)", R"("z")"},
