@@ -404,6 +404,12 @@ bool KLatexLexer::readCharacterCode(int start)
 void KLatexLexer::readSingleCodeUnit()
 {
     const int start = m_position;
+    // In math a quote is a prime, as TeX sets f' as f with a prime; in text it stays a quote.
+    if (m_source[m_position] == QLatin1Char('\'') && !inText()) {
+        ++m_position;
+        append(TokenKind::Char, QStringLiteral("\u2032"), start, 1);
+        return;
+    }
     if (startsSurrogatePair(m_position)) {
         // One character outside the Basic Multilingual Plane is one token, so that a script or an
         // unbraced argument takes the whole character and not half of it.

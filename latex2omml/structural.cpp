@@ -448,13 +448,16 @@ KOmmlNodeList limitVariant(KLatexAst2Omml& converter, const KLatexCommand& comma
         bar.pos = name == QLatin1String("varlimsup") ? OPosition::top : OPosition::bottom;
         return limitFunctionOf(converter, makeOmmlNode(std::move(bar)), {});
     }
-    if (name == QLatin1String("varinjlim"))
-        return limitFunctionOf(converter, makeNameRun(kLim),
-                               makeOmmlList(makePlainRun(QStringLiteral("\u2192"))));
-    if (name == QLatin1String("varprojlim"))
-        return limitFunctionOf(converter, makeNameRun(kLim),
-                               makeOmmlList(makePlainRun(QStringLiteral("\u2190"))));
-    return {};
+    if (name != QLatin1String("varinjlim") && name != QLatin1String("varprojlim"))
+        return {};
+    // The arrow under "lim" belongs to the name, so that limits written as a subscript go below it.
+    OGroupChar arrow;
+    arrow.e = makeOmmlList(makeNameRun(kLim));
+    arrow.chr = name == QLatin1String("varinjlim") ? QStringLiteral("\u2192") : QStringLiteral("\u2190");
+    arrow.pos = OPosition::bottom;
+    arrow.vertJc = OVerticalJustification::top;
+    arrow.ctrlPr = converter.currentStyle();
+    return limitFunctionOf(converter, makeOmmlNode(std::move(arrow)), {});
 }
 
 KOmmlNodeList limitVariantScript(KLatexAst2Omml& converter, const KLatexScript& script)

@@ -352,6 +352,9 @@ KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
         if (found->italic)
             style.wordProps.italic = true;
     }
+    // Text is set upright, as TeX sets it, unless the command or the math around it chose a style.
+    if (!style.mathProps->style)
+        style.mathProps->style = OStyle::plain;
     return convertStyled(ast, style, *content);
 }
 

@@ -37,8 +37,9 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\max_a^b", func(limUpp(limLow(rp("max"), a), b), kNone)},
         LatexCase{"\\limsup", func(limLow(rp("lim sup"), kNone), kNone)},
         LatexCase{"\\varlimsup", func(limLow(bar("top", rp("lim")), kNone), kNone)},
-        LatexCase{"\\varinjlim", func(limLow(rp("lim"), r(QStringLiteral("\u2192"))), kNone)},
-        LatexCase{"\\varinjlim_{i}", func(limLow(rp("lim"), r("i")), kNone)},
+        // The arrow is part of the name; limits go below it.
+        LatexCase{"\\varinjlim", func(limLow(groupChr(QStringLiteral("\u2192"), "bot", "top", rp("lim")), kNone), kNone)},
+        LatexCase{"\\varinjlim_{i}", func(limLow(groupChr(QStringLiteral("\u2192"), "bot", "top", rp("lim")), r("i")), kNone)},
         LatexCase{"\\overset{!}{=}", limUpp(r("="), r("!"))}, LatexCase{"\\underset{a}{b}", limLow(b, a)}));
 
 // Structures copy the whole current style as control properties; scripts and

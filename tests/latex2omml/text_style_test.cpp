@@ -18,9 +18,9 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathbb{\\mathbf{R}}", r("R", bold)}, LatexCase{"\\mathbf{a}b", r("a", bold) + r("b")},
         LatexCase{"\\mathbf", ""}, LatexCase{"\\mathop{lim} x y", func(r("lim", sty("p")), x) + r("y")},
         LatexCase{"\\mathbf{\\mathop{f}x}", func(r("f", sty("p")), r("x", bold), ctrlOf(bold))},
-        LatexCase{"\\text{if}x", r("ifx")}, LatexCase{"\\textbf{a}", r("a", sty("b", false, true))},
+        LatexCase{"\\text{if}x", r("if", sty("p")) + r("x")}, LatexCase{"\\textbf{a}", r("a", sty("b", false, true))},
         LatexCase{"\\textit{a}\\emph{b}c", r("ab", sty("i", true)) + r("c")},
-        LatexCase{"\\textrm{a}\\textnormal{b}\\textup{c}\\textmd{d}\\textsl{e}\\textsc{f}", r("abcdef")},
+        LatexCase{"\\textrm{a}\\textnormal{b}\\textup{c}\\textmd{d}\\textsl{e}\\textsc{f}", r("abcdef", sty("p"))},
         LatexCase{"\\mathbf{\\text{a}}", r("a", bold)}, LatexCase{"\\mathbb{\\textbf{a}}", [] {
                                                                       Look look = scr("double-struck");
                                                                       look.sty = "b";
