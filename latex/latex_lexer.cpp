@@ -346,7 +346,8 @@ void KLatexLexer::readVerbatim(int start, bool starred)
     const QChar delimiter = m_source[m_position];
     const int open = m_position++;
     const int textStart = m_position;
-    while (m_position < m_end && m_source[m_position] != delimiter && m_source[m_position] != QLatin1Char('\n'))
+    while (m_position < m_end && m_source[m_position] != delimiter &&
+           m_source[m_position] != QLatin1Char('\n'))
         ++m_position;
     const int textEnd = m_position;
     const bool closed = m_position < m_end && m_source[m_position] == delimiter;
@@ -384,8 +385,8 @@ bool KLatexLexer::readCharacterCode(int start)
     int end = digitsStart;
     while (end < m_end && end - digitsStart < 8) {
         const char16_t u = m_source[end].unicode();
-        const bool digit = base == 16 ? isHexDigit(m_source[end]) && u < 0x80
-                                      : (u >= u'0' && u < char16_t(u'0' + base));
+        const bool digit =
+            base == 16 ? isHexDigit(m_source[end]) && u < 0x80 : (u >= u'0' && u < char16_t(u'0' + base));
         if (!digit)
             break;
         ++end;

@@ -12,7 +12,7 @@ namespace {
 // Operators that split the brace group they stand in into a numerator and a denominator.
 bool isInfixFraction(const QString& name)
 {
-    static const QLatin1String names[] = {QLatin1String("over"), QLatin1String("atop"),
+    static const QLatin1String names[] = {QLatin1String("over"),  QLatin1String("atop"),
                                           QLatin1String("above"), QLatin1String("choose"),
                                           QLatin1String("brace"), QLatin1String("brack")};
     for (const QLatin1String& n : names) {

@@ -226,9 +226,9 @@ KOmmlNodeList cancel(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList overGroup(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    static const QSet<QString> accepted = {QStringLiteral("overbrace"), QStringLiteral("overbracket"),
-                                           QStringLiteral("overparen"), QStringLiteral("overequal"),
-                                           QStringLiteral("wideparen"), QStringLiteral("overgroup"),
+    static const QSet<QString> accepted = {QStringLiteral("overbrace"),     QStringLiteral("overbracket"),
+                                           QStringLiteral("overparen"),     QStringLiteral("overequal"),
+                                           QStringLiteral("wideparen"),     QStringLiteral("overgroup"),
                                            QStringLiteral("Overrightarrow")};
     return groupCharacter(ast, command, accepted, kOverPlacement);
 }

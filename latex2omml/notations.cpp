@@ -19,11 +19,14 @@ struct KBracketForm {
 const QHash<QString, KBracketForm>& bracketForms()
 {
     static const QHash<QString, KBracketForm> table = {
-        {QStringLiteral("bra"), {u"\u27E8", u"|", false}},     {QStringLiteral("Bra"), {u"\u27E8", u"|", true}},
-        {QStringLiteral("ket"), {u"|", u"\u27E9", false}},     {QStringLiteral("Ket"), {u"|", u"\u27E9", true}},
+        {QStringLiteral("bra"), {u"\u27E8", u"|", false}},
+        {QStringLiteral("Bra"), {u"\u27E8", u"|", true}},
+        {QStringLiteral("ket"), {u"|", u"\u27E9", false}},
+        {QStringLiteral("Ket"), {u"|", u"\u27E9", true}},
         {QStringLiteral("braket"), {u"\u27E8", u"\u27E9", false}},
         {QStringLiteral("Braket"), {u"\u27E8", u"\u27E9", true}},
-        {QStringLiteral("set"), {u"{", u"}", false}},          {QStringLiteral("Set"), {u"{", u"}", true}},
+        {QStringLiteral("set"), {u"{", u"}", false}},
+        {QStringLiteral("Set"), {u"{", u"}", true}},
     };
     return table;
 }
@@ -86,9 +89,10 @@ QString circledCharacter(const QString& text)
 const QHash<QString, int>& visibleArgument()
 {
     static const QHash<QString, int> table = {
-        {QStringLiteral("href"), 1},       {QStringLiteral("htmlClass"), 1}, {QStringLiteral("htmlId"), 1},
-        {QStringLiteral("htmlStyle"), 1},  {QStringLiteral("htmlData"), 1},  {QStringLiteral("mathchoice"), 0},
-        {QStringLiteral("raisebox"), 1},   {QStringLiteral("includegraphics"), -1},
+        {QStringLiteral("href"), 1},     {QStringLiteral("htmlClass"), 1},
+        {QStringLiteral("htmlId"), 1},   {QStringLiteral("htmlStyle"), 1},
+        {QStringLiteral("htmlData"), 1}, {QStringLiteral("mathchoice"), 0},
+        {QStringLiteral("raisebox"), 1}, {QStringLiteral("includegraphics"), -1},
     };
     return table;
 }

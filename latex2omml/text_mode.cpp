@@ -14,14 +14,14 @@ struct KTextAccent {
 const QHash<QString, KTextAccent>& textAccents()
 {
     static const QHash<QString, KTextAccent> table = {
-        {QStringLiteral("'"), {0x0301, 0x00B4}},  {QStringLiteral("`"), {0x0300, 0x0060}},
-        {QStringLiteral("^"), {0x0302, 0x005E}},  {QStringLiteral("\""), {0x0308, 0x00A8}},
-        {QStringLiteral("~"), {0x0303, 0x007E}},  {QStringLiteral("="), {0x0304, 0x00AF}},
-        {QStringLiteral("."), {0x0307, 0x02D9}},  {QStringLiteral("H"), {0x030B, 0x02DD}},
-        {QStringLiteral("r"), {0x030A, 0x02DA}},  {QStringLiteral("u"), {0x0306, 0x02D8}},
-        {QStringLiteral("v"), {0x030C, 0x02C7}},  {QStringLiteral("c"), {0x0327, 0x00B8}},
-        {QStringLiteral("d"), {0x0323, 0x002E}},  {QStringLiteral("b"), {0x0331, 0x005F}},
-        {QStringLiteral("k"), {0x0328, 0x02DB}},  {QStringLiteral("t"), {0x0361, 0x2040}},
+        {QStringLiteral("'"), {0x0301, 0x00B4}}, {QStringLiteral("`"), {0x0300, 0x0060}},
+        {QStringLiteral("^"), {0x0302, 0x005E}}, {QStringLiteral("\""), {0x0308, 0x00A8}},
+        {QStringLiteral("~"), {0x0303, 0x007E}}, {QStringLiteral("="), {0x0304, 0x00AF}},
+        {QStringLiteral("."), {0x0307, 0x02D9}}, {QStringLiteral("H"), {0x030B, 0x02DD}},
+        {QStringLiteral("r"), {0x030A, 0x02DA}}, {QStringLiteral("u"), {0x0306, 0x02D8}},
+        {QStringLiteral("v"), {0x030C, 0x02C7}}, {QStringLiteral("c"), {0x0327, 0x00B8}},
+        {QStringLiteral("d"), {0x0323, 0x002E}}, {QStringLiteral("b"), {0x0331, 0x005F}},
+        {QStringLiteral("k"), {0x0328, 0x02DB}}, {QStringLiteral("t"), {0x0361, 0x2040}},
     };
     return table;
 }
@@ -71,10 +71,9 @@ KOmmlNodeList verbatim(KLatexAst2Omml& ast, const KLatexCommand& command)
     style.mathProps->script = OScript::monospace;
     style.mathProps->style = OStyle::plain;
     ast.pushStyle(style);
-    KOmmlNodeList result = makeOmmlList(
-        ast.makeStyledRun(command.name.endsWith(QLatin1Char('*')) ? QString(text).replace(
-                                                                         QLatin1Char(' '), QChar(0x2423))
-                                                                   : text));
+    KOmmlNodeList result = makeOmmlList(ast.makeStyledRun(
+        command.name.endsWith(QLatin1Char('*')) ? QString(text).replace(QLatin1Char(' '), QChar(0x2423))
+                                                : text));
     ast.popStyle();
     return result;
 }

@@ -38,8 +38,10 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\limsup", func(limLow(rp("lim sup"), kNone), kNone)},
         LatexCase{"\\varlimsup", func(limLow(bar("top", rp("lim")), kNone), kNone)},
         // The arrow is part of the name; limits go below it.
-        LatexCase{"\\varinjlim", func(limLow(groupChr(QStringLiteral("\u2192"), "bot", "top", rp("lim")), kNone), kNone)},
-        LatexCase{"\\varinjlim_{i}", func(limLow(groupChr(QStringLiteral("\u2192"), "bot", "top", rp("lim")), r("i")), kNone)},
+        LatexCase{"\\varinjlim",
+                  func(limLow(groupChr(QStringLiteral("\u2192"), "bot", "top", rp("lim")), kNone), kNone)},
+        LatexCase{"\\varinjlim_{i}",
+                  func(limLow(groupChr(QStringLiteral("\u2192"), "bot", "top", rp("lim")), r("i")), kNone)},
         LatexCase{"\\overset{!}{=}", limUpp(r("="), r("!"))}, LatexCase{"\\underset{a}{b}", limLow(b, a)}));
 
 // Structures copy the whole current style as control properties; scripts and
