@@ -217,17 +217,6 @@ QDomElement mathElement(QDomDocument& doc, const QString& omml, bool display)
         if (root.isNull())
             return {};
     }
-    // Documents list the control properties after every other property of a structure;
-    // moving them there is harmless when they already come last.
-    const QDomNodeList controls = root.elementsByTagName(QStringLiteral("m:ctrlPr"));
-    std::vector<QDomNode> moves;
-    for (int i = 0; i < controls.size(); ++i)
-        moves.push_back(controls.at(i));
-    for (QDomNode& control : moves) {
-        QDomNode owner = control.parentNode();
-        if (owner.toElement().tagName().endsWith(QLatin1String("Pr")))
-            owner.appendChild(control);
-    }
     QDomElement imported = doc.importNode(root, true).toElement();
     imported.setAttribute(QStringLiteral("xmlns:m"), kMathNs);
     return imported;

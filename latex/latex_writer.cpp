@@ -149,6 +149,18 @@ bool isLineBreak(const QString& name)
     return name == kLineBreak || name == kStarredLineBreak;
 }
 
+// Commands whose argument is a delimiter, written right after the name: \left(,
+// \middle|, \bigl\langle.
+bool isFenceCommand(const QString& name)
+{
+    static const QSet<QString> kNames = {
+        QStringLiteral("left"),  QStringLiteral("right"), QStringLiteral("middle"), QStringLiteral("bigl"),
+        QStringLiteral("bigr"),  QStringLiteral("Bigl"),  QStringLiteral("Bigr"),   QStringLiteral("biggl"),
+        QStringLiteral("biggr"), QStringLiteral("Biggl"), QStringLiteral("Biggr"),
+    };
+    return kNames.contains(name);
+}
+
 // Simple nodes can go without braces: a command without arguments or a single
 // code unit of text, possibly wrapped in groups of one child.
 bool isSimple(const KLatexNode* node)
@@ -299,7 +311,7 @@ QString KLatexWriter::print(const KLatexCommand& command)
         m_lastClass = OutputClass::other;
         return *spacing;
     }
-    if (name == QLatin1String("left") || name == QLatin1String("right")) {
+    if (isFenceCommand(name)) {
         QString result = QLatin1Char('\\') + name;
         if (!command.args.empty() && command.args.front().node) {
             QString delimiter = node(command.args.front().node.get());

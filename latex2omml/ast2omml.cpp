@@ -403,6 +403,30 @@ QString fenceFor(const QString& token)
     return QStringView(token).toUcs4().size() == 1 ? token : QString();
 }
 
+// The fence of a \middle, or nothing when the node is not a \middle with a
+// delimiter for its argument.
+std::optional<QString> middleFence(const KLatexNode* node)
+{
+    const auto* command = latexAs<KLatexCommand>(node);
+    if (!command || command->name != QLatin1String("middle"))
+        return std::nullopt;
+    const KLatexNode* fence = argumentNode(command->args, 0);
+    while (const auto* group = latexAs<KLatexGroup>(fence)) {
+        if (group->children.size() != 1)
+            break;
+        fence = group->children.front().get();
+    }
+    QString token;
+    if (const auto* text = latexAs<KLatexText>(fence))
+        token = text->text;
+    else if (const auto* named = latexAs<KLatexCommand>(fence))
+        token = QLatin1Char('\\') + named->name;
+    const QString* character = lookupDelimiter(token);
+    if (!character)
+        return std::nullopt;
+    return *character;
+}
+
 } // namespace
 
 KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
@@ -410,7 +434,35 @@ KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
     ODelimiter delimiter;
     delimiter.begChr = fenceFor(fence.left);
     delimiter.endChr = fenceFor(fence.right);
-    delimiter.e = convert(fence.body.get());
+    // \left( a \middle| b \right) is one delimiter of two elements with a separator;
+    // a body whose \middle fences differ keeps them as characters of one element.
+    std::vector<const KLatexNode*> children;
+    if (const auto* group = latexAs<KLatexGroup>(fence.body.get())) {
+        for (const KLatexNodePtr& child : group->children)
+            children.push_back(child.get());
+    } else {
+        children.push_back(fence.body.get());
+    }
+    std::optional<QString> separator;
+    bool oneSeparator = true;
+    std::vector<std::vector<const KLatexNode*>> pieces(1);
+    for (const KLatexNode* child : children) {
+        if (const std::optional<QString> middle = middleFence(child)) {
+            oneSeparator = oneSeparator && (!separator || *separator == *middle);
+            separator = middle;
+            pieces.emplace_back();
+        } else {
+            pieces.back().push_back(child);
+        }
+    }
+    if (!separator || !oneSeparator) {
+        delimiter.e = convert(fence.body.get());
+        return makeOmmlList(makeOmmlNode(std::move(delimiter)));
+    }
+    delimiter.sepChr = *separator;
+    delimiter.e = convertSequence(pieces.front());
+    for (std::size_t i = 1; i < pieces.size(); ++i)
+        delimiter.separated.push_back(convertSequence(pieces[i]));
     return makeOmmlList(makeOmmlNode(std::move(delimiter)));
 }
 

@@ -102,6 +102,8 @@ private:
     {
         setColour(d.ctrlPr);
         children(d.e);
+        for (KOmmlNodeList& element : d.separated)
+            children(element);
     }
     void paint(OAccent& a)
     {

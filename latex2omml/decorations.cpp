@@ -240,6 +240,50 @@ KOmmlNodeList underGroup(KLatexAst2Omml& ast, const KLatexCommand& command)
     return groupCharacter(ast, command, accepted, kUnderPlacement);
 }
 
+KOmmlNodeList labelledBrace(KLatexAst2Omml& ast, const KLatexScript& script)
+{
+    // TeX sets the scripts of \overbrace and \underbrace as limits: the label over
+    // or under the brace, centred on it, and a script on the other side under or
+    // over the content.
+    const auto* base = latexAs<KLatexCommand>(script.base.get());
+    if (!base)
+        return {};
+    const bool over = base->name.startsWith(QLatin1String("over"));
+    KOmmlNodeList built = over ? overGroup(ast, *base) : underGroup(ast, *base);
+    if (built.size() != 1 || !ommlAs<OGroupChar>(built.front().get())) {
+        std::optional<KOmmlNodeList> sub;
+        std::optional<KOmmlNodeList> sup;
+        if (script.sub)
+            sub = ast.convert(*script.sub);
+        if (script.sup)
+            sup = ast.convert(*script.sup);
+        KOmmlNodePtr element = makeScriptElement(std::move(built), std::move(sub), std::move(sup));
+        return element ? makeOmmlList(std::move(element)) : KOmmlNodeList();
+    }
+    KOmmlNodePtr node = std::move(built.front());
+    auto place = [&ast, &node](const KLatexNode* label, bool above) {
+        if (!label)
+            return;
+        KOmmlNodeList converted = ast.convert(*label);
+        if (above) {
+            OLimitUpper upper;
+            upper.e = makeOmmlList(std::move(node));
+            upper.lim = std::move(converted);
+            upper.ctrlPr = ast.currentStyle();
+            node = makeOmmlNode(std::move(upper));
+        } else {
+            OLimitLower lower;
+            lower.e = makeOmmlList(std::move(node));
+            lower.lim = std::move(converted);
+            lower.ctrlPr = ast.currentStyle();
+            node = makeOmmlNode(std::move(lower));
+        }
+    };
+    place(over ? script.sup.get() : script.sub.get(), over);
+    place(over ? script.sub.get() : script.sup.get(), !over);
+    return makeOmmlList(std::move(node));
+}
+
 KOmmlNodeList extensibleArrow(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     const QString arrow = arrowCharacters().value(command.name);

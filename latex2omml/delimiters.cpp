@@ -230,13 +230,15 @@ KOmmlNodeList fenced(KOmmlNodePtr matrix, const QString& fences)
 // ---- sized delimiters --------------------------------------------------------
 
 // Nominal heights of the \big family, in units of the normal fence height.
-enum class KStrut { big, Big, bigg };
+enum class KStrut { big, Big, bigg, Bigg };
 
 KStrut strutForHeight(double height)
 {
     if (height < 1.8)
         return KStrut::big;
-    return height < 2.4 ? KStrut::Big : KStrut::bigg;
+    if (height < 2.4)
+        return KStrut::Big;
+    return height < 3.0 ? KStrut::bigg : KStrut::Bigg;
 }
 
 const QHash<QString, double>& delimiterHeights()
@@ -264,11 +266,13 @@ KOmmlNodePtr stackedSpaces(KOmmlNodePtr top)
     return makeOmmlNode(std::move(fraction));
 }
 
-// An invisible body that stretches the fence: a bar for \big, two stacked spaces
-// for \Big, three for \bigg and \Bigg.
+// An invisible body of no width that stretches the fence: a bar for \big, two
+// stacked spaces for \Big, three for \bigg, four for \Bigg.
 KOmmlNodePtr strut(KStrut size)
 {
     OPhantom phantom;
+    phantom.show = false;
+    phantom.zeroWid = true;
     switch (size) {
     case KStrut::big:
         phantom.e = makeOmmlList(makePlainRun(QStringLiteral("|")));
@@ -278,6 +282,9 @@ KOmmlNodePtr strut(KStrut size)
         break;
     case KStrut::bigg:
         phantom.e = makeOmmlList(stackedSpaces(stackedSpaces(spaceRun())));
+        break;
+    case KStrut::Bigg:
+        phantom.e = makeOmmlList(stackedSpaces(stackedSpaces(stackedSpaces(spaceRun()))));
         break;
     }
     return makeOmmlNode(std::move(phantom));

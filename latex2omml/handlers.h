@@ -86,6 +86,7 @@ KOmmlNodeList negation(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList cancel(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList overGroup(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList underGroup(KLatexAst2Omml&, const KLatexCommand&);
+KOmmlNodeList labelledBrace(KLatexAst2Omml&, const KLatexScript&);
 KOmmlNodeList extensibleArrow(KLatexAst2Omml&, const KLatexCommand&);
 
 // Colour pass over a finished subtree (colour.cpp): paints every run and every

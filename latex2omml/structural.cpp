@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QRegularExpression>
+#include <QSet>
 
 namespace {
 
@@ -115,6 +116,19 @@ bool isZeroThickness(const QString& thickness)
     static const QRegularExpression number(QStringLiteral("^\\s*([0-9]*\\.?[0-9]+)"));
     const QRegularExpressionMatch match = number.match(thickness);
     return match.hasMatch() && match.captured(1).toDouble() == 0.0;
+}
+
+// The large operators whose limits TeX sets above and below in a display; the
+// integrals keep theirs beside the sign.
+const QSet<QString>& limitsAboveInDisplay()
+{
+    static const QSet<QString> names = {
+        QStringLiteral("sum"),       QStringLiteral("prod"),     QStringLiteral("coprod"),
+        QStringLiteral("bigwedge"),  QStringLiteral("bigvee"),   QStringLiteral("bigcap"),
+        QStringLiteral("bigcup"),    QStringLiteral("bigodot"),  QStringLiteral("bigoplus"),
+        QStringLiteral("bigotimes"), QStringLiteral("bigsqcup"), QStringLiteral("biguplus"),
+    };
+    return names;
 }
 
 const KLatexSymbol* entryWithoutArguments(const KLatexCommand& command)
@@ -313,10 +327,13 @@ KOmmlNodeList naryOperator(KLatexAst2Omml& converter, const KLatexCommand& comma
         return {};
     ONaryOperator nary;
     nary.chr = entry->text;
-    // The composite keys "int\limits", "sum\limits", ... put the limits above and below.
-    nary.limLoc = command.name.section(QLatin1Char('\\'), -1) == QLatin1String("limits")
-                      ? OLimitLocation::undOvr
-                      : OLimitLocation::subSup;
+    // The composite keys "int\limits", "sum\nolimits", ... say where the limits go;
+    // otherwise they go where TeX puts them in a display.
+    const QString placement = command.name.section(QLatin1Char('\\'), -1);
+    const bool above =
+        placement == QLatin1String("limits") ||
+        (placement != QLatin1String("nolimits") && limitsAboveInDisplay().contains(command.name));
+    nary.limLoc = above ? OLimitLocation::undOvr : OLimitLocation::subSup;
     nary.subHide = true;
     nary.supHide = true;
     nary.ctrlPr = converter.currentStyle();
@@ -512,7 +529,8 @@ KOmmlNodeList sideset(KLatexAst2Omml& converter, const KLatexCommand& command)
     if (after.sub || after.sup) {
         auto* nary = operand.size() == 1 ? ommlAs<ONaryOperator>(operand.front().get()) : nullptr;
         if (nary && nary->subHide && nary->supHide) {
-            // The operator's own limit slots hold the scripts after it.
+            // The operator's own limit slots hold the scripts after it, beside it.
+            nary->limLoc = OLimitLocation::subSup;
             if (after.sub) {
                 nary->subHide = false;
                 nary->sub = converter.convert(*after.sub);

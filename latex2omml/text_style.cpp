@@ -487,13 +487,21 @@ KOmmlNodeList modulo(KLatexAst2Omml& ast, const KLatexCommand& command)
 
 KOmmlNodeList phantom(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
-    // \phantom, \hphantom and \vphantom all reserve the space of their content.
+    // \phantom reserves the space of its content and shows nothing; \hphantom keeps
+    // only its width, \vphantom only its height and depth.
     const KLatexNode* content = argumentNode(command.args, 0);
     if (!content)
         return {};
     OPhantom hidden;
     hidden.e = ast.convert(*content);
     hidden.ctrlPr = ast.currentStyle();
+    hidden.show = false;
+    if (command.name == QLatin1String("hphantom")) {
+        hidden.zeroAsc = true;
+        hidden.zeroDesc = true;
+    } else if (command.name == QLatin1String("vphantom")) {
+        hidden.zeroWid = true;
+    }
     return makeOmmlList(makeOmmlNode(std::move(hidden)));
 }
 

@@ -137,11 +137,15 @@ struct OFunction {
 };
 
 struct ODelimiter {
-    KOmmlNodeList e;
+    KOmmlNodeList e; // the first (often the only) element
     // An empty string means no fence on that side.
     QString begChr = QStringLiteral("(");
     QString endChr = QStringLiteral(")");
     OControlProperties ctrlPr;
+    // The elements after the first, each set off from the one before by sepChr:
+    // (a, b) is "(" a "," b ")". An empty sepChr separates without a sign.
+    std::vector<KOmmlNodeList> separated;
+    QString sepChr = QStringLiteral("|");
 };
 
 struct OAccent {
@@ -206,6 +210,14 @@ struct OEquationArray {
 struct OPhantom {
     KOmmlNodeList e;
     OControlProperties ctrlPr;
+    // A phantom shows its content unless show is off; the zero flags take away
+    // its width, its height above the baseline and its depth below it. A
+    // transparent phantom spaces its neighbours as its content would.
+    bool show = true;
+    bool zeroWid = false;
+    bool zeroAsc = false;
+    bool zeroDesc = false;
+    bool transp = false;
 };
 
 struct OPreSubSuperscript {

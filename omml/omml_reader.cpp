@@ -33,10 +33,7 @@ public:
             {"m:oMathPara", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.paragraph(e); }},
             {"m:oMath", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.equation(e); }},
             {"m:r", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.run(e); }},
-            {"m:d",
-             [](KOmmlXmlReader& r, const KXmlElement& e) {
-                 return r.structure<ODelimiter>(e, "m:dPr", delimiterProperties, {{"m:e", &ODelimiter::e}});
-             }},
+            {"m:d", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.delimiter(e); }},
             {"m:m", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.matrix(e); }},
             {"m:f",
              [](KOmmlXmlReader& r, const KXmlElement& e) {
@@ -108,8 +105,7 @@ public:
             {"m:eqArr", [](KOmmlXmlReader& r, const KXmlElement& e) { return r.equationArray(e); }},
             {"m:phant",
              [](KOmmlXmlReader& r, const KXmlElement& e) {
-                 return r.structure<OPhantom>(e, "m:phantPr", controlOnlyProperties<OPhantom>,
-                                              {{"m:e", &OPhantom::e}});
+                 return r.structure<OPhantom>(e, "m:phantPr", phantomProperties, {{"m:e", &OPhantom::e}});
              }},
             {"m:sPre",
              [](KOmmlXmlReader& r, const KXmlElement& e) {
@@ -136,11 +132,40 @@ private:
     KOmmlNodeList nodes(const KXmlElement& parent)
     {
         KOmmlNodeList list;
-        parent.forEachChild([&](const KXmlElement& child, QStringView) {
-            if (KOmmlNodePtr node = element(child))
-                list.push_back(std::move(node));
-        });
+        appendNodes(parent, list);
         return list;
+    }
+
+    // Documents wrap math in links, tracked insertions, content controls and
+    // fields; what they hold is read as if it stood in their place. Deleted or
+    // moved-away content, bookmarks and proofing marks are unknown elements and
+    // vanish.
+    static bool isWrapper(QStringView tag)
+    {
+        static const char* const kWrappers[] = {
+            "w:hyperlink", "w:ins",        "w:moveTo",    "w:smartTag", "w:customXml",
+            "w:sdt",       "w:sdtContent", "w:fldSimple", "w:dir",      "w:bdo",
+        };
+        for (const char* wrapper : kWrappers) {
+            if (is(tag, wrapper))
+                return true;
+        }
+        return false;
+    }
+
+    void appendNodes(const KXmlElement& parent, KOmmlNodeList& list)
+    {
+        parent.forEachChild([&](const KXmlElement& child, QStringView tag) {
+            if (isWrapper(tag)) {
+                if (m_depth >= kMaxOmmlReadDepth)
+                    return;
+                ++m_depth;
+                appendNodes(child, list);
+                --m_depth;
+            } else if (KOmmlNodePtr node = element(child)) {
+                list.push_back(std::move(node));
+            }
+        });
     }
 
     // The common shape: a properties element replaces the whole property record
@@ -203,6 +228,30 @@ private:
                 r.text = child.text(); // the last m:t wins; texts are not joined
         });
         return makeOmmlNode(std::move(r));
+    }
+
+    // Every m:e is kept: the first is the delimiter's element, the others follow
+    // it each after a separator.
+    KOmmlNodePtr delimiter(const KXmlElement& element)
+    {
+        ODelimiter d;
+        bool first = true;
+        element.forEachChild([&](const KXmlElement& child, QStringView tag) {
+            if (is(tag, "m:dPr")) {
+                ODelimiter fresh;
+                fresh.e = std::move(d.e);
+                fresh.separated = std::move(d.separated);
+                d = std::move(fresh);
+                delimiterProperties(d, child);
+            } else if (is(tag, "m:e")) {
+                if (first)
+                    d.e = nodes(child);
+                else
+                    d.separated.push_back(nodes(child));
+                first = false;
+            }
+        });
+        return makeOmmlNode(std::move(d));
     }
 
     KOmmlNodePtr radical(const KXmlElement& element)

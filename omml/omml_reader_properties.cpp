@@ -35,15 +35,23 @@ bool borderFlagValue(const KXmlElement& element)
     return value == QLatin1String("1") || value == QLatin1String("true") || value == QLatin1String("on");
 }
 
+// A flag of the standard's kind: present without a value, or with a value
+// other than "off", "0" or "false", it is on.
+bool flagValue(const KXmlElement& element)
+{
+    const QString value = folded(mVal(element));
+    return value != QLatin1String("off") && value != QLatin1String("0") && value != QLatin1String("false");
+}
+
 OFractionType fractionTypeValue(const KXmlElement& element)
 {
-    // Compared exactly: "noBar" is not a fraction type and reads as bar.
+    // "noBar" is the standard's spelling; "nobar" is read as well.
     const QString value = mVal(element);
     if (value == QLatin1String("skw"))
         return OFractionType::skewed;
     if (value == QLatin1String("lin"))
         return OFractionType::linear;
-    if (value == QLatin1String("nobar"))
+    if (value == QLatin1String("noBar") || value == QLatin1String("nobar"))
         return OFractionType::noBar;
     return OFractionType::bar;
 }
@@ -161,6 +169,9 @@ OMathRunProperties readMathRunProperties(const KXmlElement& element)
             props.script = scriptValue(child);
         else if (is(tag, "m:sty"))
             props.style = styleValue(child);
+        // Normal text, not math: set upright, as text is.
+        else if (is(tag, "m:nor") && flagValue(child) && !props.style)
+            props.style = OStyle::plain;
     });
     return props;
 }
@@ -244,6 +255,8 @@ void delimiterProperties(ODelimiter& d, const KXmlElement& properties)
         // A missing value means no fence on that side.
         if (is(tag, "m:begChr"))
             d.begChr = mVal(child);
+        else if (is(tag, "m:sepChr"))
+            d.sepChr = mVal(child);
         else if (is(tag, "m:endChr"))
             d.endChr = mVal(child);
         else if (is(tag, "m:ctrlPr"))
@@ -317,6 +330,29 @@ void boxProperties(OBox& b, const KXmlElement& properties)
             b.ctrlPr = readControlProperties(child);
         else if (is(tag, "m:noBreak"))
             b.noBreak = onOffValue(child);
+    });
+}
+
+void phantomProperties(OPhantom& p, const KXmlElement& properties)
+{
+    struct Flag {
+        const char* tag;
+        bool OPhantom::*member;
+    };
+    static const Flag kFlags[] = {
+        {"m:show", &OPhantom::show},       {"m:zeroWid", &OPhantom::zeroWid},
+        {"m:zeroAsc", &OPhantom::zeroAsc}, {"m:zeroDesc", &OPhantom::zeroDesc},
+        {"m:transp", &OPhantom::transp},
+    };
+    properties.forEachChild([&](const KXmlElement& child, QStringView tag) {
+        if (is(tag, "m:ctrlPr")) {
+            p.ctrlPr = readControlProperties(child);
+            return;
+        }
+        for (const Flag& flag : kFlags) {
+            if (is(tag, flag.tag))
+                p.*flag.member = flagValue(child);
+        }
     });
 }
 

@@ -52,6 +52,7 @@ void barProperties(OBar& b, const KXmlElement& properties);
 void borderBoxProperties(OBorderBox& b, const KXmlElement& properties);
 void groupCharProperties(OGroupChar& g, const KXmlElement& properties);
 void boxProperties(OBox& b, const KXmlElement& properties);
+void phantomProperties(OPhantom& p, const KXmlElement& properties);
 void matrixProperties(OMatrix& m, const KXmlElement& properties);
 
 } // namespace ommlread

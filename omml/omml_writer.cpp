@@ -99,16 +99,10 @@ QString justificationText(OJustification justification)
     }
 }
 
+// A group character sits at the top or the bottom; anything else is read as top.
 QString verticalJustificationText(OVerticalJustification justification)
 {
-    switch (justification) {
-    case OVerticalJustification::bottom:
-        return QStringLiteral("bot");
-    case OVerticalJustification::top:
-        return QStringLiteral("top");
-    default:
-        return QStringLiteral("center");
-    }
+    return justification == OVerticalJustification::bottom ? QStringLiteral("bot") : QStringLiteral("top");
 }
 
 QString columnJustificationText(OColumnJustification justification)
@@ -350,7 +344,7 @@ public:
     void write(const OMathParagraph& p)
     {
         m_xml.writeStartElement(QStringLiteral("m:oMathPara"));
-        m_xml.writeAttribute(QStringLiteral("xmlns:m"), kOmmlNamespace);
+        namespaces();
         m_xml.writeStartElement(QStringLiteral("m:oMathParaPr"));
         val(QStringLiteral("m:jc"), justificationText(p.justification));
         m_xml.writeEndElement();
@@ -362,7 +356,7 @@ public:
     void write(const OMathEquation& e)
     {
         m_xml.writeStartElement(QStringLiteral("m:oMath"));
-        m_xml.writeAttribute(QStringLiteral("xmlns:m"), kOmmlNamespace);
+        namespaces();
         nodes(e.children);
         m_xml.writeEndElement();
     }
@@ -382,7 +376,7 @@ public:
         m_xml.writeStartElement(QStringLiteral("m:fPr"));
         switch (f.type) {
         case OFractionType::noBar:
-            val(QStringLiteral("m:type"), QStringLiteral("nobar"));
+            val(QStringLiteral("m:type"), QStringLiteral("noBar"));
             break;
         case OFractionType::linear:
             val(QStringLiteral("m:type"), QStringLiteral("lin"));
@@ -438,8 +432,8 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:rad"));
         m_xml.writeStartElement(QStringLiteral("m:radPr"));
-        controlProperties(r.ctrlPr);
         val(QStringLiteral("m:degHide"), onOff(r.degHide));
+        controlProperties(r.ctrlPr);
         m_xml.writeEndElement();
         if (r.deg)
             argument(QStringLiteral("m:deg"), *r.deg);
@@ -453,13 +447,13 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:nary"));
         m_xml.writeStartElement(QStringLiteral("m:naryPr"));
-        controlProperties(n.ctrlPr);
         if (!n.chr.isEmpty())
             val(QStringLiteral("m:chr"), n.chr);
         val(QStringLiteral("m:limLoc"),
             n.limLoc == OLimitLocation::undOvr ? QStringLiteral("undOvr") : QStringLiteral("subSup"));
         val(QStringLiteral("m:subHide"), onOff(n.subHide));
         val(QStringLiteral("m:supHide"), onOff(n.supHide));
+        controlProperties(n.ctrlPr);
         m_xml.writeEndElement();
         argument(QStringLiteral("m:sub"), n.sub);
         argument(QStringLiteral("m:sup"), n.sup);
@@ -495,11 +489,15 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:d"));
         m_xml.writeStartElement(QStringLiteral("m:dPr"));
-        controlProperties(d.ctrlPr);
         val(QStringLiteral("m:begChr"), d.begChr);
+        if (!d.separated.empty())
+            val(QStringLiteral("m:sepChr"), d.sepChr);
         val(QStringLiteral("m:endChr"), d.endChr);
+        controlProperties(d.ctrlPr);
         m_xml.writeEndElement();
         argument(QStringLiteral("m:e"), d.e);
+        for (const KOmmlNodeList& element : d.separated)
+            argument(QStringLiteral("m:e"), element);
         m_xml.writeEndElement();
     }
 
@@ -529,7 +527,6 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:borderBox"));
         m_xml.writeStartElement(QStringLiteral("m:borderBoxPr"));
-        controlProperties(b.ctrlPr);
         const std::pair<const char*, bool> flags[] = {
             {"m:hideTop", b.hideTop},       {"m:hideBot", b.hideBot},       {"m:hideLeft", b.hideLeft},
             {"m:hideRight", b.hideRight},   {"m:strikeH", b.strikeH},       {"m:strikeV", b.strikeV},
@@ -539,6 +536,7 @@ public:
             if (set)
                 val(QLatin1String(name), QStringLiteral("1"));
         }
+        controlProperties(b.ctrlPr);
         m_xml.writeEndElement();
         argument(QStringLiteral("m:e"), b.e);
         m_xml.writeEndElement();
@@ -548,11 +546,11 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:groupChr"));
         m_xml.writeStartElement(QStringLiteral("m:groupChrPr"));
-        controlProperties(g.ctrlPr);
         if (!g.chr.isEmpty())
             val(QStringLiteral("m:chr"), g.chr);
         val(QStringLiteral("m:pos"), positionText(g.pos));
         val(QStringLiteral("m:vertJc"), verticalJustificationText(g.vertJc));
+        controlProperties(g.ctrlPr);
         m_xml.writeEndElement();
         argument(QStringLiteral("m:e"), g.e);
         m_xml.writeEndElement();
@@ -562,6 +560,11 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:m"));
         m_xml.writeStartElement(QStringLiteral("m:mPr"));
+        val(QStringLiteral("m:plcHide"), onOff(m.plcHide));
+        if (!m.cGpRule.isEmpty())
+            val(QStringLiteral("m:cGpRule"), m.cGpRule);
+        if (!m.cGp.isEmpty())
+            val(QStringLiteral("m:cGp"), m.cGp);
         if (!m.columns.empty()) {
             m_xml.writeStartElement(QStringLiteral("m:mcs"));
             for (const OMatrixColumn& column : m.columns) {
@@ -575,17 +578,21 @@ public:
             }
             m_xml.writeEndElement();
         }
-        if (!m.cGp.isEmpty())
-            val(QStringLiteral("m:cGp"), m.cGp);
-        if (!m.cGpRule.isEmpty())
-            val(QStringLiteral("m:cGpRule"), m.cGpRule);
-        val(QStringLiteral("m:plcHide"), onOff(m.plcHide));
         controlProperties(m.ctrlPr);
         m_xml.writeEndElement();
+        // A matrix has at least one row and a row at least one cell: an empty
+        // one is written as one empty cell.
         for (const OMatrixRow& row : m.rows) {
             m_xml.writeStartElement(QStringLiteral("m:mr"));
             for (const KOmmlNodeList& cell : row)
                 argument(QStringLiteral("m:e"), cell);
+            if (row.empty())
+                m_xml.writeEmptyElement(QStringLiteral("m:e"));
+            m_xml.writeEndElement();
+        }
+        if (m.rows.empty()) {
+            m_xml.writeStartElement(QStringLiteral("m:mr"));
+            m_xml.writeEmptyElement(QStringLiteral("m:e"));
             m_xml.writeEndElement();
         }
         m_xml.writeEndElement();
@@ -595,8 +602,8 @@ public:
     {
         m_xml.writeStartElement(QStringLiteral("m:box"));
         m_xml.writeStartElement(QStringLiteral("m:boxPr"));
-        controlProperties(b.ctrlPr);
         val(QStringLiteral("m:noBreak"), onOff(b.noBreak));
+        controlProperties(b.ctrlPr);
         m_xml.writeEndElement();
         argument(QStringLiteral("m:e"), b.e);
         m_xml.writeEndElement();
@@ -607,21 +614,40 @@ public:
         begin(QStringLiteral("m:eqArr"), QStringLiteral("m:eqArrPr"), a.ctrlPr);
         for (const KOmmlNodeList& row : a.rows)
             argument(QStringLiteral("m:e"), row);
+        // An array has at least one line.
+        if (a.rows.empty())
+            m_xml.writeEmptyElement(QStringLiteral("m:e"));
         m_xml.writeEndElement();
     }
 
     void write(const OPhantom& p)
     {
-        begin(QStringLiteral("m:phant"), QStringLiteral("m:phantPr"), p.ctrlPr);
+        m_xml.writeStartElement(QStringLiteral("m:phant"));
+        m_xml.writeStartElement(QStringLiteral("m:phantPr"));
+        // An absent m:show shows the content; the other flags are off when absent.
+        if (!p.show)
+            val(QStringLiteral("m:show"), onOff(false));
+        const std::pair<const char*, bool> flags[] = {
+            {"m:zeroWid", p.zeroWid},
+            {"m:zeroAsc", p.zeroAsc},
+            {"m:zeroDesc", p.zeroDesc},
+            {"m:transp", p.transp},
+        };
+        for (const auto& [name, set] : flags) {
+            if (set)
+                val(QLatin1String(name), onOff(true));
+        }
+        controlProperties(p.ctrlPr);
+        m_xml.writeEndElement();
         argument(QStringLiteral("m:e"), p.e);
         m_xml.writeEndElement();
     }
 
+    // Control properties hold only the word-processing run properties; the math
+    // style of a structure is carried by its runs.
     void controlProperties(const OControlProperties& ctrlPr)
     {
         m_xml.writeStartElement(QStringLiteral("m:ctrlPr"));
-        if (ctrlPr.mathProps)
-            mathRunProperties(*ctrlPr.mathProps);
         wordRunProperties(ctrlPr.wordProps);
         m_xml.writeEndElement();
     }
@@ -633,6 +659,12 @@ private:
             if (child)
                 node(*child);
         }
+    }
+
+    void namespaces()
+    {
+        m_xml.writeAttribute(QStringLiteral("xmlns:m"), kOmmlNamespace);
+        m_xml.writeAttribute(QStringLiteral("xmlns:w"), kWordNamespace);
     }
 
     void argument(const QString& name, const KOmmlNodeList& list)

@@ -10,8 +10,11 @@ class QXmlStreamWriter;
 
 inline const QString kOmmlNamespace =
     QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
+// Run properties (w:rPr) belong to the word-processing vocabulary.
+inline const QString kWordNamespace =
+    QStringLiteral("http://schemas.openxmlformats.org/wordprocessingml/2006/main");
 
-// Appends the m:oMathPara element with its namespace declaration and properties.
+// Appends the m:oMathPara element with its namespace declarations and properties.
 void appendOmmlParagraph(const OMathParagraph& paragraph, QString& xml);
 // Appends the element for one node of any kind.
 void appendOmmlNode(const KOmmlNode& node, QString& xml);

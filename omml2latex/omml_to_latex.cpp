@@ -188,6 +188,8 @@ public:
 
     KLatexNodePtr operator()(const OLimitLower& limit)
     {
+        if (KLatexNodePtr brace = labelledBrace(limit.e, nullptr, &limit.lim))
+            return styled(std::move(brace), limit.ctrlPr);
         const std::vector<const KOmmlNode*> base = present(limit.e);
         if (base.empty())
             return styled(nullptr, limit.ctrlPr);
@@ -204,6 +206,8 @@ public:
 
     KLatexNodePtr operator()(const OLimitUpper& limit)
     {
+        if (KLatexNodePtr brace = labelledBrace(limit.e, &limit.lim, nullptr))
+            return styled(std::move(brace), limit.ctrlPr);
         return styled(command(QStringLiteral("overset"), list(limit.lim), list(limit.e)), limit.ctrlPr);
     }
 
@@ -239,6 +243,13 @@ public:
 
     KLatexNodePtr operator()(const ODelimiter& delimiter)
     {
+        if (!delimiter.separated.empty())
+            return styled(groupOf(command(QStringLiteral("left"), fence(delimiter.begChr)),
+                                  separated(delimiter),
+                                  command(QStringLiteral("right"), fence(delimiter.endChr))),
+                          delimiter.ctrlPr);
+        if (KLatexNodePtr sized = sizedFence(delimiter))
+            return styled(std::move(sized), delimiter.ctrlPr);
         const KOmmlNode* only = single(delimiter.e);
         if (delimiter.begChr == QLatin1String("(") && delimiter.endChr == QLatin1String(")")) {
             const auto* fraction = ommlAs<OFraction>(only);
@@ -343,7 +354,8 @@ public:
             return styled(makeEnvironment(QStringLiteral("matrix"), {}, std::move(rows)), matrix.ctrlPr);
         KLatexArgs args;
         args.push_back(braceArg(makeText(specification)));
-        return styled(makeEnvironment(QStringLiteral("array"), std::move(args), std::move(rows)), matrix.ctrlPr);
+        return styled(makeEnvironment(QStringLiteral("array"), std::move(args), std::move(rows)),
+                      matrix.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OBox& box)
@@ -362,7 +374,15 @@ public:
 
     KLatexNodePtr operator()(const OPhantom& phantom)
     {
-        return styled(command(QStringLiteral("phantom"), list(phantom.e)), phantom.ctrlPr);
+        // A phantom that shows its content is that content.
+        if (phantom.show)
+            return styled(list(phantom.e), phantom.ctrlPr);
+        QString name = QStringLiteral("phantom");
+        if (phantom.zeroAsc && phantom.zeroDesc && !phantom.zeroWid)
+            name = QStringLiteral("hphantom");
+        else if (phantom.zeroWid && !phantom.zeroAsc && !phantom.zeroDesc)
+            name = QStringLiteral("vphantom");
+        return styled(command(name, list(phantom.e)), phantom.ctrlPr);
     }
 
     KLatexNodePtr operator()(const OPreSubSuperscript& script)
@@ -373,6 +393,93 @@ public:
     }
 
 private:
+    // The elements of a delimiter with their separators: \middle where the
+    // separator is a delimiter TeX can size, else the separator's character.
+    KLatexNodePtr separated(const ODelimiter& delimiter)
+    {
+        const bool middle = isSizableFence(delimiter.sepChr);
+        KLatexNodeList pieces;
+        pieces.push_back(list(delimiter.e));
+        for (const KOmmlNodeList& element : delimiter.separated) {
+            if (middle)
+                pieces.push_back(command(QStringLiteral("middle"), fence(delimiter.sepChr)));
+            else if (KLatexNodePtr sign = runTextToLatex(delimiter.sepChr, m_converter.m_scriptDepth > 0))
+                pieces.push_back(std::move(sign));
+            pieces.push_back(list(element));
+        }
+        return makeGroup(std::move(pieces));
+    }
+
+    // \overbrace{x}^{n} and \underbrace{x}_{n}: the label is a limit on the brace's
+    // side, and a limit on the other side around that is the other script. `base`
+    // is what the limit `above` or `below` stands on; null when it is no brace.
+    KLatexNodePtr labelledBrace(const KOmmlNodeList& base, const KOmmlNodeList* above,
+                                const KOmmlNodeList* below)
+    {
+        static const QString kOverBrace = QStringLiteral("\u23DE");
+        static const QString kUnderBrace = QStringLiteral("\u23DF");
+        const KOmmlNode* inner = single(base);
+        // The label nearest the brace: \overbrace{x}^{n}_{m} is n over m-under.
+        if (!above) {
+            if (const auto* upper = ommlAs<OLimitUpper>(inner)) {
+                const auto* brace = ommlAs<OGroupChar>(single(upper->e));
+                if (brace && brace->chr == kOverBrace) {
+                    inner = single(upper->e);
+                    above = &upper->lim;
+                }
+            }
+        } else if (const auto* lower = ommlAs<OLimitLower>(inner)) {
+            const auto* brace = ommlAs<OGroupChar>(single(lower->e));
+            if (brace && brace->chr == kUnderBrace) {
+                inner = single(lower->e);
+                below = &lower->lim;
+            }
+        }
+        const auto* brace = ommlAs<OGroupChar>(inner);
+        if (!brace)
+            return nullptr;
+        const bool over = brace->chr == kOverBrace && brace->pos == OPosition::top;
+        const bool under = brace->chr == kUnderBrace && brace->pos == OPosition::bottom;
+        if ((!over || !above) && (!under || !below))
+            return nullptr;
+        KLatexNodePtr sup = above ? scriptList(*above) : nullptr;
+        KLatexNodePtr sub = below ? scriptList(*below) : nullptr;
+        return makeScript(convert(inner), std::move(sup), std::move(sub));
+    }
+
+    // A fence on one side around a hidden strut of no width is \bigl( or \bigr)
+    // and their taller relatives, after the strut's height: a bar for \big, two,
+    // three or four stacked lines for \Big, \bigg and \Bigg. Null otherwise.
+    KLatexNodePtr sizedFence(const ODelimiter& delimiter)
+    {
+        const auto* strut = ommlAs<OPhantom>(single(delimiter.e));
+        if (!strut || strut->show || !strut->zeroWid ||
+            delimiter.begChr.isEmpty() == delimiter.endChr.isEmpty())
+            return nullptr;
+        const KOmmlNode* content = single(strut->e);
+        int lines = ommlAs<ORun>(content) ? 1 : 0;
+        while (const auto* stack = ommlAs<OFraction>(content)) {
+            lines = std::max(lines, 1) + 1;
+            content = single(stack->num);
+        }
+        static const char* const kSizes[] = {"big", "Big", "bigg", "Bigg"};
+        if (lines < 1 || lines > 4)
+            return nullptr;
+        const bool opening = !delimiter.begChr.isEmpty();
+        const QString name = QLatin1String(kSizes[lines - 1]) + QLatin1Char(opening ? 'l' : 'r');
+        return command(name, fence(opening ? delimiter.begChr : delimiter.endChr));
+    }
+
+    // Characters TeX sizes as delimiters (\left, \middle, \big): brackets, bars,
+    // the slash and the backslash, and those with a delimiter name; an empty
+    // character is the null delimiter.
+    static bool isSizableFence(const QString& chr)
+    {
+        static const QString kPlain = QStringLiteral("()[]{}|/\\\u2016");
+        return chr.isEmpty() || (chr.size() == 1 && kPlain.contains(chr)) ||
+               delimiterCommands().contains(chr);
+    }
+
     // An operator name with limits below (and above): \lim_{L}^{U}, or
     // \operatorname*{name}_{L} for a name that is no limit command. Null when the
     // function's name is not of that shape.

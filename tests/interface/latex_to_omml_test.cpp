@@ -14,10 +14,11 @@ namespace {
 const KFormulaConverterHelper kHelper;
 
 const QString kNamespace = QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
+const QString kWordNamespace = QStringLiteral("http://schemas.openxmlformats.org/wordprocessingml/2006/main");
 
 QString paragraph(const QString& equation)
 {
-    const QString ns = "xmlns:m=\"" + kNamespace + "\"";
+    const QString ns = "xmlns:m=\"" + kNamespace + "\" xmlns:w=\"" + kWordNamespace + "\"";
     return "<m:oMathPara " + ns + "><m:oMathParaPr><m:jc m:val=\"centerGroup\"/></m:oMathParaPr>" +
            (equation.isEmpty() ? "<m:oMath " + ns + "/>" : "<m:oMath " + ns + ">" + equation + "</m:oMath>") +
            "</m:oMathPara>";
@@ -37,7 +38,7 @@ TEST(LatexToOmml, WholeParagraphs)
     // A bare & outside a table is dropped by the parser; the escaped one is a character.
     EXPECT_SAME_XML(latexToOmml("a<b&c\\&"), paragraph(r("a&lt;bc&amp;")));
     EXPECT_SAME_XML(latexToOmml("\\sum_{i=1}^n x_i"),
-                    paragraph(nary(QStringLiteral("\u2211"), false, false, false, r("i=1"), r("n"),
+                    paragraph(nary(QStringLiteral("\u2211"), true, false, false, r("i=1"), r("n"),
                                    sSub(r("x"), r("i")))));
     EXPECT_SAME_XML(
         latexToOmml("\\lim_{x\\to 0} \\sin x"),

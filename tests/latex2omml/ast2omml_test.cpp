@@ -19,7 +19,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "b",
                   r(QString::fromUtf8("\xF0\x9D\x94\xB8") + "b")},
         LatexCase{"\\foo{x}y", r("\\fooxy")}, LatexCase{"a\\foo^2", r("a") + sSup(r("\\foo"), r("2"))},
-        LatexCase{"\\mathbf{\\foo}", r("\\foo")}, LatexCase{"a\\hphantom{x}", r("a") + phant(r("x"))},
+        LatexCase{"\\mathbf{\\foo}", r("\\foo")},
+        LatexCase{"a\\hphantom{x}", r("a") + phant(r("x"), {"zeroAsc", "zeroDesc"})},
         LatexCase{"a\\lcm^2", r("a") + func(limUpp(limLow(rp("lcm"), kNone), r("2")), kNone)},
         LatexCase{"x_i", sSub(r("x"), r("i"))}, LatexCase{"x_i^2", sSubSup(r("x"), r("i"), r("2"))},
         LatexCase{"_3^2", sSubSup(kNone, r("3"), r("2"))},
@@ -34,11 +35,11 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Groups, LatexToOmml,
     ::testing::Values(LatexCase{"\\sum_{i=1}^n x_i",
-                                nary(kSum, false, false, false, r("i=1"), r("n"), sSub(r("x"), r("i")))},
-                      LatexCase{"a+\\sum", r("a+") + nary(kSum, false, true, true, kNone, kNone, kNone)},
-                      LatexCase{"\\sum x y", nary(kSum, false, true, true, kNone, kNone, r("x")) + r("y")},
-                      LatexCase{"\\sum\\sum x", nary(kSum, false, true, true, kNone, kNone,
-                                                     nary(kSum, false, true, true, kNone, kNone, kNone)) +
+                                nary(kSum, true, false, false, r("i=1"), r("n"), sSub(r("x"), r("i")))},
+                      LatexCase{"a+\\sum", r("a+") + nary(kSum, true, true, true, kNone, kNone, kNone)},
+                      LatexCase{"\\sum x y", nary(kSum, true, true, true, kNone, kNone, r("x")) + r("y")},
+                      LatexCase{"\\sum\\sum x", nary(kSum, true, true, true, kNone, kNone,
+                                                     nary(kSum, true, true, true, kNone, kNone, kNone)) +
                                                     r("x")},
                       LatexCase{"\\sin x y", func(rp("sin"), r("x")) + r("y")},
                       LatexCase{"\\int\\limits_0^1 f",

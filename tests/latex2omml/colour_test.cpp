@@ -10,9 +10,10 @@ const QString kNs = QStringLiteral("http://schemas.openxmlformats.org/officeDocu
 
 QString paragraph(const QString& content)
 {
-    const QString equation = "<m:oMath xmlns:m=\"" + kNs + "\"";
-    return "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr>" + val("m:jc", "centerGroup") +
-           "</m:oMathParaPr>" +
+    const QString ns =
+        "xmlns:m=\"" + kNs + "\" xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
+    const QString equation = "<m:oMath " + ns;
+    return "<m:oMathPara " + ns + "><m:oMathParaPr>" + val("m:jc", "centerGroup") + "</m:oMathParaPr>" +
            (content.isEmpty() ? equation + "/>" : equation + ">" + content + "</m:oMath>") + "</m:oMathPara>";
 }
 

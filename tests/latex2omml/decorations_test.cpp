@@ -39,8 +39,13 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\bcancel{x}", borderBox(falling, x)},
         LatexCase{"\\xcancel{x}", borderBox({"strikeBLTR", "strikeTLBR"}, x)},
         LatexCase{"\\cancelto{0}{x}", sSup(borderBox(rising, x), r("0"))},
-        LatexCase{"\\overbrace{a+b}^{n}", sSup(over(QStringLiteral("\u23DE"), r("a+b")), r("n"))},
-        LatexCase{"\\underbrace{x}_{k}", sSub(under(QStringLiteral("\u23DF"), x), r("k"))},
+        // A brace's label is set over or under it as a limit; the other script on the far side.
+        LatexCase{"\\overbrace{a+b}^{n}", limUpp(over(QStringLiteral("\u23DE"), r("a+b")), r("n"))},
+        LatexCase{"\\underbrace{x}_{k}", limLow(under(QStringLiteral("\u23DF"), x), r("k"))},
+        LatexCase{"\\overbrace{x}^{n}_{m}",
+                  limLow(limUpp(over(QStringLiteral("\u23DE"), x), r("n")), r("m"))},
+        LatexCase{"\\underbrace{x}^{n}", limUpp(under(QStringLiteral("\u23DF"), x), r("n"))},
+        LatexCase{"\\overbracket{x}^{n}", sSup(over(QStringLiteral("\u23B4"), x), r("n"))},
         LatexCase{"\\mathbf{\\underbrace{x}}",
                   under(QStringLiteral("\u23DF"), r("x", bold), ctrlOf(sty("b", true)))}));
 

@@ -9,9 +9,9 @@ const QStringList centre = {"center"}, centre2 = {"center", "center"};
 const Look bold = sty("b");
 
 // The strut runs keep default properties whatever the surrounding style is.
-const QString bigStrut = phant(r("|"));
-const QString BigStrut = phant(frac(r(" "), r(" "), "nobar"));
-const QString biggStrut = phant(frac(frac(r(" "), r(" "), "nobar"), r(" "), "nobar"));
+const QString bigStrut = phant(r("|"), {"zeroWid"});
+const QString BigStrut = phant(frac(r(" "), r(" "), "noBar"), {"zeroWid"});
+const QString biggStrut = phant(frac(frac(r(" "), r(" "), "noBar"), r(" "), "noBar"), {"zeroWid"});
 
 INSTANTIATE_TEST_SUITE_P(
     Environments, LatexToOmml,

@@ -8,10 +8,11 @@ using namespace omml_text;
 namespace {
 
 const QString a = r("a"), b = r("b"), c = r("c"), dd = r("d");
-const QString kDown = QStringLiteral("\u2193"), kUp = QStringLiteral("\u2191"), kRight = QStringLiteral("\u2192");
+const QString kDown = QStringLiteral("\u2193"), kUp = QStringLiteral("\u2191"),
+              kRight = QStringLiteral("\u2192");
 const QStringList rl2 = {"right", "left"}, rl4 = {"right", "left", "right", "left"};
 const QStringList centre2 = {"center", "center"};
-const QString BigStrut = phant(frac(r(" "), r(" "), "nobar"));
+const QString BigStrut = phant(frac(r(" "), r(" "), "noBar"), {"zeroWid"});
 
 // A two-by-two body a b / c d, with the line break and cell separators of the environment.
 QString twoByTwo(const QString& name, const QString& arguments = QString())
@@ -30,8 +31,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\begin{gathered}a\\\\b\\end{gathered}", eqArr({a, b})},
         LatexCase{"\\begin{gather*}a\\\\b\\end{gather*}", matrix({"right"}, {{a}, {b}})},
         // The alignment environments: columns flush right against flush left, in pairs.
-        LatexCase{"\\begin{align}a&=b\\\\c&=d\\end{align}",
-                  matrix(rl2, {{a, r("=b")}, {c, r("=d")}})},
+        LatexCase{"\\begin{align}a&=b\\\\c&=d\\end{align}", matrix(rl2, {{a, r("=b")}, {c, r("=d")}})},
         LatexCase{"\\begin{split}a&b\\end{split}", matrix(rl2, {{a, b}})},
         LatexCase{"\\begin{alignat}{2}a&b&c&d\\end{alignat}", matrix(rl4, {{a, b, c, dd}})},
         LatexCase{"\\begin{alignat*}{2}a&b&c&d\\end{alignat*}", matrix(rl4, {{a, b, c, dd}})},
@@ -44,7 +44,8 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Matrices, LatexToOmml,
     ::testing::Values(
-        LatexCase{"\\begin{Bmatrix}a&b\\\\c&d\\end{Bmatrix}", d("{", "}", matrix(centre2, {{a, b}, {c, dd}}))},
+        LatexCase{"\\begin{Bmatrix}a&b\\\\c&d\\end{Bmatrix}",
+                  d("{", "}", matrix(centre2, {{a, b}, {c, dd}}))},
         LatexCase{"\\begin{Bmatrix*}a\\end{Bmatrix*}", d("{", "}", matrix({"center"}, {{a}}))},
         // The alignment option of the starred matrices justifies every column.
         LatexCase{"\\begin{matrix*}[r]a&b\\end{matrix*}", matrix({"right", "right"}, {{a, b}})},
@@ -61,7 +62,8 @@ INSTANTIATE_TEST_SUITE_P(
                   matrix({"left", "right"}, {{a, b}, {c, dd}})},
         LatexCase{"\\begin{array}{|c:c|}\\hline a&b\\\\\\hdashline c&d\\\\\\hline\\end{array}",
                   matrix(centre2, {{a, b}, {c, dd}})},
-        LatexCase{"\\begin{array}{*{2}{r}l}a&b&c\\end{array}", matrix({"right", "right", "left"}, {{a, b, c}})},
+        LatexCase{"\\begin{array}{*{2}{r}l}a&b&c\\end{array}",
+                  matrix({"right", "right", "left"}, {{a, b, c}})},
         LatexCase{"\\begin{array}{@{}p{2cm}>{\\bf}c}a&b\\end{array}", matrix({"left", "center"}, {{a, b}})},
         LatexCase{"\\begin{array}{cc}a&b\\\\\\cline{1-2}c&d\\end{array}", matrix(centre2, {{a, b}, {c, dd}})},
         LatexCase{"\\begin{subarray}{l}a\\\\b\\end{subarray}", matrix({"left"}, {{a}, {b}})},
@@ -70,13 +72,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, LatexToOmml,
-    ::testing::Values(
-        LatexCase{"\\begin{cases*}a&b\\end{cases*}", d("{", "", eqArr({a + b}))},
-        // In cases* the text column switches back to math between dollars.
-        LatexCase{"\\begin{cases*}a&if $b$\\end{cases*}", d("{", "", eqArr({a + r("if") + b}))},
-        LatexCase{"\\begin{dcases}a&b\\\\c\\end{dcases}", d("{", "", eqArr({a + b, c}))},
-        LatexCase{"\\begin{rcases}a\\\\b\\end{rcases}", d("", "}", eqArr({a, b}))},
-        LatexCase{"\\begin{drcases}a&b\\\\c&d\\end{drcases}", d("", "}", eqArr({a + b, c + dd}))}));
+    ::testing::Values(LatexCase{"\\begin{cases*}a&b\\end{cases*}", d("{", "", eqArr({a + b}))},
+                      // In cases* the text column switches back to math between dollars.
+                      LatexCase{"\\begin{cases*}a&if $b$\\end{cases*}", d("{", "", eqArr({a + r("if") + b}))},
+                      LatexCase{"\\begin{dcases}a&b\\\\c\\end{dcases}", d("{", "", eqArr({a + b, c}))},
+                      LatexCase{"\\begin{rcases}a\\\\b\\end{rcases}", d("", "}", eqArr({a, b}))},
+                      LatexCase{"\\begin{drcases}a&b\\\\c&d\\end{drcases}",
+                                d("", "}", eqArr({a + b, c + dd}))}));
 
 // The arrows of a commutative diagram sit between the objects on one grid.
 INSTANTIATE_TEST_SUITE_P(
@@ -94,13 +96,12 @@ INSTANTIATE_TEST_SUITE_P(
         // An @ that starts no arrow is a character of its cell.
         LatexCase{"\\begin{CD}a@b\\end{CD}", matrix({"center"}, {{r("a@b")}})}));
 
-INSTANTIATE_TEST_SUITE_P(
-    UnknownEnvironments, LatexToOmml,
-    ::testing::Values(
-        // An environment we do not know keeps its content, its cells and its rows.
-        LatexCase{"\\begin{foo}a+b\\end{foo}", r("a+b")},
-        LatexCase{"\\begin{foo}a&b\\\\c\\end{foo}", matrix(centre2, {{a, b}, {c}})},
-        LatexCase{"\\begin{tabular}{ll}a&b\\end{tabular}", matrix(centre2, {{a, b}})}));
+INSTANTIATE_TEST_SUITE_P(UnknownEnvironments, LatexToOmml,
+                         ::testing::Values(
+                             // An environment we do not know keeps its content, its cells and its rows.
+                             LatexCase{"\\begin{foo}a+b\\end{foo}", r("a+b")},
+                             LatexCase{"\\begin{foo}a&b\\\\c\\end{foo}", matrix(centre2, {{a, b}, {c}})},
+                             LatexCase{"\\begin{tabular}{ll}a&b\\end{tabular}", matrix(centre2, {{a, b}})}));
 
 // Every environment, written with four cells: each cell's letter is in the OMML, in order, and
 // nothing of the markup (& or \\) shows as text.
@@ -143,7 +144,8 @@ TEST(Environments, HostileBodies)
 {
     // Unclosed, mismatched, deeply nested and huge bodies convert without losing what they hold.
     EXPECT_EQ(convertLatex("\\begin{CD}a@>"), matrix({"center", "center", "center"}, {{a, r(kRight), ""}}));
-    EXPECT_EQ(convertLatex("\\begin{CD}@>\\end{CD}"), matrix({"center", "center", "center"}, {{"", r(kRight), ""}}));
+    EXPECT_EQ(convertLatex("\\begin{CD}@>\\end{CD}"),
+              matrix({"center", "center", "center"}, {{"", r(kRight), ""}}));
     EXPECT_EQ(convertLatex("\\begin{CD}@V\\end{CD}"), matrix({"center"}, {{d(kDown, "", BigStrut)}}));
     EXPECT_EQ(convertLatex("\\begin{array}{*{999999}{c}}a\\end{array}"), matrix({"center"}, {{a}}));
     EXPECT_EQ(convertLatex("\\begin{array}{*{3}{*{3}{*{3}{*{3}{*{3}{l}}}}}}a\\end{array}"),

@@ -28,7 +28,7 @@ inline const QString kFonts =
     QStringLiteral("<w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
 
 // How a run or a control-properties element looks. `math`: whether the math run
-// properties are written (always for runs, for structures only under a math style).
+// properties are written (for runs; control properties hold the word run properties only).
 struct Look {
     QString scr = QStringLiteral("roman");
     QString sty;
@@ -100,17 +100,17 @@ inline QString rp(const QString& text)
     return r(text, sty("p"));
 }
 
-// Control properties; by default those of the default style (fonts only).
-inline QString ctrl(Look look = Look(), bool math = false)
+// Control properties; by default those of the default style (fonts only). A math
+// style (\mathbf's) is not written there: the runs carry it.
+inline QString ctrl(Look look = Look())
 {
-    look.math = math;
+    look.math = false;
     return wrap("m:ctrlPr", properties(look));
 }
 
-// Control properties copied from a math style such as \mathbf's.
 inline QString ctrlOf(const Look& look)
 {
-    return ctrl(look, true);
+    return ctrl(look);
 }
 
 inline const QString kCtrl = ctrl();
@@ -149,14 +149,24 @@ inline QString sSubSup(const QString& e, const QString& sub, const QString& sup)
 
 inline QString d(const QString& beg, const QString& end, const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return element("d", ctrlXml + val("m:begChr", beg) + val("m:endChr", end), {{"e", e}});
+    return element("d", val("m:begChr", beg) + val("m:endChr", end) + ctrlXml, {{"e", e}});
+}
+
+// A delimiter of several elements set off by a separator.
+inline QString dSep(const QString& beg, const QString& sep, const QString& end, const QStringList& elements,
+                    const QString& ctrlXml = kCtrl)
+{
+    std::vector<std::pair<QString, QString>> parts;
+    for (const QString& e : elements)
+        parts.push_back({"e", e});
+    return element("d", val("m:begChr", beg) + val("m:sepChr", sep) + val("m:endChr", end) + ctrlXml, parts);
 }
 
 // A radical; a null `deg` means no degree (an empty m:deg element).
 inline QString rad(const QString& e, const QString& deg, bool degHide, const QString& ctrlXml = kCtrl)
 {
     const QString degXml = deg.isNull() ? QStringLiteral("<m:deg/>") : wrap("m:deg", deg);
-    return wrap("m:rad", wrap("m:radPr", ctrlXml + val("m:degHide", degHide ? "on" : "off")) + degXml +
+    return wrap("m:rad", wrap("m:radPr", val("m:degHide", degHide ? "on" : "off") + ctrlXml) + degXml +
                              wrap("m:e", e));
 }
 
@@ -164,8 +174,9 @@ inline QString nary(const QString& chr, bool undOvr, bool subHide, bool supHide,
                     const QString& sup, const QString& e, const QString& ctrlXml = kCtrl)
 {
     return element("nary",
-                   ctrlXml + val("m:chr", chr) + val("m:limLoc", undOvr ? "undOvr" : "subSup") +
-                       val("m:subHide", subHide ? "on" : "off") + val("m:supHide", supHide ? "on" : "off"),
+                   val("m:chr", chr) + val("m:limLoc", undOvr ? "undOvr" : "subSup") +
+                       val("m:subHide", subHide ? "on" : "off") + val("m:supHide", supHide ? "on" : "off") +
+                       ctrlXml,
                    {{"sub", sub}, {"sup", sup}, {"e", e}});
 }
 
@@ -197,8 +208,8 @@ inline QString matrix(const QStringList& columns, const std::vector<QStringList>
     QString columnsXml;
     for (const QString& jc : columns)
         columnsXml += wrap("m:mc", wrap("m:mcPr", val("m:count", "1") + val("m:mcJc", jc)));
-    QString xml = wrap("m:mPr", wrap("m:mcs", columnsXml) + val("m:cGp", "0") + val("m:cGpRule", "0") +
-                                    val("m:plcHide", "off") + ctrlXml);
+    QString xml = wrap("m:mPr", val("m:plcHide", "off") + val("m:cGpRule", "0") + val("m:cGp", "0") +
+                                    wrap("m:mcs", columnsXml) + ctrlXml);
     for (const QStringList& cells : rows) {
         QString cellsXml;
         for (const QString& cell : cells)
@@ -226,7 +237,7 @@ inline QString borderBox(const QStringList& flags, const QString& e, const QStri
         (hidden ? QStringList{"hideTop", "hideBot", "hideLeft", "hideRight"} : QStringList()) + flags;
     for (const QString& flag : all)
         flagsXml += val("m:" + flag, "1");
-    return element("borderBox", ctrlXml + flagsXml, {{"e", e}});
+    return element("borderBox", flagsXml + ctrlXml, {{"e", e}});
 }
 
 inline QString frame(const QString& e, const QString& ctrlXml = kCtrl)
@@ -236,7 +247,7 @@ inline QString frame(const QString& e, const QString& ctrlXml = kCtrl)
 
 inline QString box(const QString& e, const QString& ctrlXml = kCtrl)
 {
-    return element("box", ctrlXml + val("m:noBreak", "on"), {{"e", e}});
+    return element("box", val("m:noBreak", "on") + ctrlXml, {{"e", e}});
 }
 
 inline QString acc(const QString& chr, const QString& e, const QString& ctrlXml = kCtrl)
@@ -247,13 +258,17 @@ inline QString acc(const QString& chr, const QString& e, const QString& ctrlXml 
 inline QString groupChr(const QString& chr, const QString& pos, const QString& vertJc, const QString& e,
                         const QString& ctrlXml = kCtrl)
 {
-    return element("groupChr", ctrlXml + val("m:chr", chr) + val("m:pos", pos) + val("m:vertJc", vertJc),
+    return element("groupChr", val("m:chr", chr) + val("m:pos", pos) + val("m:vertJc", vertJc) + ctrlXml,
                    {{"e", e}});
 }
 
-inline QString phant(const QString& e)
+// A phantom; by default hidden (\phantom). `flags` are the zero flags that are on.
+inline QString phant(const QString& e, const QStringList& flags = {}, bool show = false)
 {
-    return element("phant", kCtrl, {{"e", e}});
+    QString pr = show ? QString() : val("m:show", "off");
+    for (const QString& flag : flags)
+        pr += val("m:" + flag, "on");
+    return element("phant", pr + kCtrl, {{"e", e}});
 }
 
 inline QString sPre(const QString& e, const QString& sub, const QString& sup)

@@ -5,7 +5,7 @@ using namespace omml_text;
 namespace {
 
 const QString kNone, kSum = QStringLiteral("\u2211"), a = r("a"), b = r("b"), x = r("x");
-const QString nobar = QStringLiteral("nobar");
+const QString nobar = QStringLiteral("noBar");
 
 INSTANTIATE_TEST_SUITE_P(Fractions, LatexToOmml,
                          ::testing::Values(LatexCase{"\\frac{1}{2}", frac(r("1"), r("2"))},
@@ -24,7 +24,12 @@ INSTANTIATE_TEST_SUITE_P(Fractions, LatexToOmml,
 INSTANTIATE_TEST_SUITE_P(
     Operators, LatexToOmml,
     ::testing::Values(
-        LatexCase{"\\sum", nary(kSum, false, true, true, kNone, kNone, kNone)},
+        LatexCase{"\\sum", nary(kSum, true, true, true, kNone, kNone, kNone)},
+        LatexCase{"\\int", nary(QStringLiteral("\u222B"), false, true, true, kNone, kNone, kNone)},
+        LatexCase{"\\int\\limits", nary(QStringLiteral("\u222B"), true, true, true, kNone, kNone, kNone)},
+        LatexCase{"\\bigcup", nary(QStringLiteral("\u22C3"), true, true, true, kNone, kNone, kNone)},
+        LatexCase{"\\bigoplus\\nolimits",
+                  nary(QStringLiteral("\u2A01"), false, true, true, kNone, kNone, kNone)},
         LatexCase{"\\sum\\limits_{i}", nary(kSum, true, false, true, r("i"), kNone, kNone)},
         LatexCase{"\\sum\\nolimits^n", nary(kSum, false, true, false, kNone, r("n"), kNone)},
         LatexCase{"\\int\\frac{dx}{x}",
@@ -55,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathbf{\\frac{x}{y}}", frac(bx, by, "", boldCtrl)},
         LatexCase{"\\mathbf{\\binom{x}{y}}", d("(", ")", frac(bx, by, nobar, boldCtrl), boldCtrl)},
         LatexCase{"\\mathbf{\\sqrt{x}}", rad(bx, kNone, true, boldCtrl)},
-        LatexCase{"\\mathbf{\\sum^x}", nary(kSum, false, true, false, kNone, bx, kNone, boldCtrl)},
+        LatexCase{"\\mathbf{\\sum^x}", nary(kSum, true, true, false, kNone, bx, kNone, boldCtrl)},
         LatexCase{"\\mathbf{\\sin^x}", func(sSup(rp("sin"), bx), kNone, boldCtrl)},
         LatexCase{"\\mathbf{\\lim_x^y}",
                   func(limUpp(limLow(rp("lim"), bx, boldCtrl), by, boldCtrl), kNone, boldCtrl)}));

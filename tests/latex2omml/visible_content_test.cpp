@@ -16,7 +16,7 @@ using namespace omml_text;
 namespace {
 
 const QString kNone, a = r("a"), b = r("b"), x = r("x");
-const QString nobar = QStringLiteral("nobar"), kSum = QStringLiteral("\u2211");
+const QString nobar = QStringLiteral("noBar"), kSum = QStringLiteral("\u2211");
 const Look up = sty("p");
 
 // The runs of \ce, \pu and labels are upright.
@@ -35,9 +35,10 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"\\nicefrac{1}{2}", frac(r("1"), r("2"), "skw")},
                       LatexCase{"\\substack{i<j\\\\k}", eqArr({r("i&lt;j"), r("k")})},
                       LatexCase{"\\sum_{\\substack{a\\\\b\\\\}}",
-                                nary(kSum, false, false, true, eqArr({a, b}), kNone, kNone)},
+                                nary(kSum, true, false, true, eqArr({a, b}), kNone, kNone)},
                       LatexCase{"\\substack{a}", a},
-                      LatexCase{"\\phantom{x}\\hphantom{a}\\vphantom{b}", phant(x) + phant(a) + phant(b)},
+                      LatexCase{"\\phantom{x}\\hphantom{a}\\vphantom{b}",
+                                phant(x) + phant(a, {"zeroAsc", "zeroDesc"}) + phant(b, {"zeroWid"})},
                       LatexCase{"\\smallmatrix{a}", matrix({"center"}, {{a}})},
                       LatexCase{"\\begin{gathered}a\\\\b\\end{gathered}", eqArr({a, b})},
                       // eqnarray sets its relation centred between a right and a left column.
@@ -132,16 +133,21 @@ INSTANTIATE_TEST_SUITE_P(
 // \sideset takes the node after it as the operator it decorates.
 INSTANTIATE_TEST_SUITE_P(
     MiddleDelimiterAndSideScripts, LatexToOmml,
-    ::testing::Values(LatexCase{"\\left(a\\middle|b\\right)", d("(", ")", r("a|b"))},
-                      LatexCase{"\\left(a\\middle\\|b\\right)", d("(", ")", r(QStringLiteral("a\u2016b")))},
-                      LatexCase{"\\left(a\\middle.b\\right)", d("(", ")", r("ab"))},
-                      LatexCase{"\\middle", kNone},
-                      LatexCase{"\\sideset{_a^b}{_c^d}\\sum x",
-                                sPre(nary(kSum, false, false, false, r("c"), r("d"), kNone), a, b) + x},
-                      LatexCase{"\\sideset{_a^b}{}M", sPre(r("M"), a, b)},
-                      LatexCase{"\\sideset{}{_c^d}M", sSubSup(r("M"), r("c"), r("d"))},
-                      LatexCase{"\\sideset{}{}\\sum", nary(kSum, false, true, true, kNone, kNone, kNone)},
-                      LatexCase{"\\sideset{}", kNone}));
+    ::testing::Values(
+        LatexCase{"\\left(a\\middle|b\\right)", dSep("(", "|", ")", {r("a"), r("b")})},
+        LatexCase{"\\left(a\\middle\\|b\\right)", dSep("(", QStringLiteral("\u2016"), ")", {r("a"), r("b")})},
+        LatexCase{"\\left(a\\middle.b\\right)", dSep("(", "", ")", {r("a"), r("b")})},
+        LatexCase{"\\left\\langle a\\middle|b\\middle|c\\right\\rangle",
+                  dSep(QStringLiteral("\u27E8"), "|", QStringLiteral("\u27E9"), {r("a"), r("b"), r("c")})},
+        // Separators that differ cannot be one delimiter's: they stay characters.
+        LatexCase{"\\left(a\\middle|b\\middle\\|c\\right)", d("(", ")", r(QStringLiteral("a|b\u2016c")))},
+        LatexCase{"\\middle", kNone},
+        LatexCase{"\\sideset{_a^b}{_c^d}\\sum x",
+                  sPre(nary(kSum, false, false, false, r("c"), r("d"), kNone), a, b) + x},
+        LatexCase{"\\sideset{_a^b}{}M", sPre(r("M"), a, b)},
+        LatexCase{"\\sideset{}{_c^d}M", sSubSup(r("M"), r("c"), r("d"))},
+        LatexCase{"\\sideset{}{}\\sum", nary(kSum, true, true, true, kNone, kNone, kNone)},
+        LatexCase{"\\sideset{}", kNone}));
 
 // Every letter and digit a reader sees in a corpus formula reaches the OMML text. Seen are the
 // letters and digits outside command names and outside the arguments that only set something up

@@ -37,10 +37,7 @@ TEST(OmmlReader, ReadsWholeElements)
               "<m:ctrlPr><m:rPr><m:scr "
               "m:val=\"script\"/></m:rPr><w:rPr><w:i/></w:rPr><w:rPr><w:b/></w:rPr></m:ctrlPr>",
               ""),
-         kind("sSup",
-              "<m:ctrlPr><m:rPr><m:scr m:val=\"script\"/></m:rPr><w:rPr>" + kFonts +
-                  "<w:b/></w:rPr></m:ctrlPr>",
-              "<m:e/><m:sup/>")},
+         kind("sSup", "<m:ctrlPr><w:rPr>" + kFonts + "<w:b/></w:rPr></m:ctrlPr>", "<m:e/><m:sup/>")},
         // A second properties element starts from the defaults again.
         {"<m:f><m:fPr><m:type "
          "m:val=\"lin\"/><m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr></m:fPr><m:fPr/></m:f>",
@@ -48,32 +45,34 @@ TEST(OmmlReader, ReadsWholeElements)
         // Control properties stay on the structure; its runs start from the run defaults.
         {kind("f", "<m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr>", el("m:num", bareRun("a"))),
          kind("f", "<m:ctrlPr><w:rPr>" + kFonts + "<w:b/></w:rPr></m:ctrlPr>", el("m:num", a) + "<m:den/>")},
-        {"<m:rad/>", kind("rad", kCtrl + "<m:degHide m:val=\"off\"/>", "<m:deg/>" + e)},
-        {"<m:nary/>", kind("nary", kCtrl + "<m:chr m:val=\"\u222B\"/>" + nary, "<m:sub/><m:sup/>" + e)},
+        {"<m:rad/>", kind("rad", "<m:degHide m:val=\"off\"/>" + kCtrl, "<m:deg/>" + e)},
+        {"<m:nary/>", kind("nary", "<m:chr m:val=\"\u222B\"/>" + nary + kCtrl, "<m:sub/><m:sup/>" + e)},
         {"<m:nary><m:naryPr><m:chr/></m:naryPr></m:nary>",
-         kind("nary", kCtrl + nary, "<m:sub/><m:sup/>" + e)},
+         kind("nary", nary + kCtrl, "<m:sub/><m:sup/>" + e)},
+        // Every element of a delimiter is kept, the separator "|" when none is given.
         {el("m:d", el("m:e", bareRun("a")) + el("m:e", bareRun("b"))),
-         kind("d", kCtrl + parens, el("m:e", b))},
+         kind("d", "<m:begChr m:val=\"(\"/><m:sepChr m:val=\"|\"/><m:endChr m:val=\")\"/>" + kCtrl,
+              el("m:e", a) + el("m:e", b))},
         {"<m:d><m:dPr><m:begChr/><m:endChr m:val=\"]\"/></m:dPr></m:d>",
-         kind("d", kCtrl + "<m:begChr m:val=\"\"/><m:endChr m:val=\"]\"/>", e)},
+         kind("d", "<m:begChr m:val=\"\"/><m:endChr m:val=\"]\"/>" + kCtrl, e)},
         {el("m:acc", el("m:e", bareRun("a"))),
          kind("acc", "<m:chr m:val=\"\u0302\"/>" + kCtrl, el("m:e", a))},
         {"<m:bar/>", kind("bar", top, e)},
         {"<m:bar><m:barPr/></m:bar>", kind("bar", "<m:pos m:val=\"bot\"/>", e)},
         {kind("bar", top + "<m:ctrlPr><w:rPr><w:b/></w:rPr></m:ctrlPr>", ""), kind("bar", top, e)},
         {"<m:groupChr/>",
-         kind("groupChr", kCtrl + "<m:chr m:val=\"\u23DF\"/><m:pos m:val=\"bot\"/><m:vertJc m:val=\"top\"/>",
+         kind("groupChr", "<m:chr m:val=\"\u23DF\"/><m:pos m:val=\"bot\"/><m:vertJc m:val=\"top\"/>" + kCtrl,
               e)},
-        {"<m:box/>", kind("box", kCtrl + "<m:noBreak m:val=\"on\"/>", e)},
+        {"<m:box/>", kind("box", "<m:noBreak m:val=\"on\"/>" + kCtrl, e)},
         {"<m:rad><m:deg>" + bareRun("3") + "</m:deg><m:deg/><m:e>" + bareRun("a") + "</m:e></m:rad>",
-         kind("rad", kCtrl + "<m:degHide m:val=\"off\"/>", el("m:deg", runXml("3")) + el("m:e", a))},
+         kind("rad", "<m:degHide m:val=\"off\"/>" + kCtrl, el("m:deg", runXml("3")) + el("m:e", a))},
         {"<m:m><m:mr/><m:mr><m:e/></m:mr><m:mr><m:x/></m:mr></m:m>",
          el("m:m", el("m:mPr", mPr) + "<m:mr><m:e/></m:mr>")},
         // Unknown elements vanish with their content; tags are case-sensitive literal names.
         {"<m:oMath><m:foo>" + bareRun("a") + "</m:foo><mml:f/>" + bareRun("b") +
              "<w:r><m:r/></w:r></m:oMath>",
          equationXml(b)},
-        {"<m:oMath><m:R><m:t>a</m:t></m:R><M:r/></m:oMath>", "<m:oMath xmlns:m=\"" + kNs + "\"/>"},
+        {"<m:oMath><m:R><m:t>a</m:t></m:R><M:r/></m:oMath>", "<m:oMath " + kNsDeclarations + "/>"},
     };
     for (const auto& [xml, expected] : cases)
         EXPECT_EQ(readDump(xml), expected) << xml.toStdString();
@@ -104,11 +103,11 @@ TEST(OmmlReader, PropertyValues)
         {pr("groupChr", "<m:pos%1/>"), "<m:pos m:val=\"%1\"/>", "top=top|~=bot"},
         // The fraction type and the border flags are compared exactly.
         {"<m:f><m:fPr><m:type%1/></m:fPr></m:f>", "<m:fPr><m:type m:val=\"%1\"/>",
-         "skw=skw|lin=lin|nobar=nobar"},
-        {"<m:f><m:fPr><m:type%1/></m:fPr></m:f>", "<m:fPr><m:ctrlPr>%1", "noBar=| lin="},
-        {pr("borderBox", "<m:hideTop%1/>"), kCtrl + "<m:hideTop m:val=\"%1\"/></m:borderBoxPr>",
+         "skw=skw|lin=lin|noBar=noBar|nobar=noBar"},
+        {"<m:f><m:fPr><m:type%1/></m:fPr></m:f>", "<m:fPr><m:ctrlPr>%1", "NOBAR=| lin="},
+        {pr("borderBox", "<m:hideTop%1/>"), "<m:hideTop m:val=\"%1\"/>" + kCtrl + "</m:borderBoxPr>",
          "true=1|on=1"},
-        {pr("borderBox", "<m:hideTop%1/>"), kCtrl + "</m:borderBoxPr>%1", "ON=| 1=|~="},
+        {pr("borderBox", "<m:hideTop%1/>"), "<m:borderBoxPr>" + kCtrl + "</m:borderBoxPr>%1", "ON=| 1=|~="},
         // Folded enumerations with their fallbacks.
         {"<m:oMathPara><m:oMathParaPr><m:jc%1/></m:oMathParaPr></m:oMathPara>", "<m:jc m:val=\"%1\"/>",
          "left=left| Right =right|CENTER=center|justify=centerGroup"},
@@ -131,7 +130,7 @@ TEST(OmmlReader, PropertyValues)
     for (const char* flag :
          {"hideTop", "hideBot", "hideLeft", "hideRight", "strikeH", "strikeV", "strikeBLTR", "strikeTLBR"})
         EXPECT_TRUE(readDump(pr("borderBox", qPrintable(QString("<m:%1 m:val=\"1\"/>").arg(flag))))
-                        .contains(kCtrl + QString("<m:%1 m:val=\"1\"/></m:borderBoxPr>").arg(flag)))
+                        .contains(QString("<m:%1 m:val=\"1\"/>").arg(flag) + kCtrl + "</m:borderBoxPr>"))
             << flag;
 }
 
@@ -180,9 +179,10 @@ TEST(OmmlReader, WordProcessorShapedDocument)
         "    <m:r><m:t><![CDATA[<y>]]></m:t></m:r>\n  </m:oMath>\n</m:oMathPara>\n");
     const QString italicCtrl = "<m:ctrlPr><w:rPr>" + kFonts + "<w:i/></w:rPr></m:ctrlPr>";
     EXPECT_EQ(readDump(xml),
-              paragraphXml("left", equationXml(runXml("x ") + runXml("   ") + "<m:d><m:dPr>" + italicCtrl +
-                                               "<m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/></m:dPr>" +
-                                               el("m:e", runXml("a")) + "</m:d>" + runXml("&lt;y&gt;"))));
+              paragraphXml("left", equationXml(runXml("x ") + runXml("   ") +
+                                               "<m:d><m:dPr><m:begChr m:val=\"(\"/><m:endChr m:val=\")\"/>" +
+                                               italicCtrl + "</m:dPr>" + el("m:e", runXml("a")) + "</m:d>" +
+                                               runXml("&lt;y&gt;"))));
 }
 
 TEST(OmmlReader, RunTextOfOnlyWhiteSpaceIsKept)

@@ -14,6 +14,8 @@ inline void PrintTo(const QString& text, std::ostream* out)
 }
 
 const QString kNs = QStringLiteral("http://schemas.openxmlformats.org/officeDocument/2006/math");
+const QString kWordNs = QStringLiteral("http://schemas.openxmlformats.org/wordprocessingml/2006/main");
+const QString kNsDeclarations = "xmlns:m=\"" + kNs + "\" xmlns:w=\"" + kWordNs + "\"";
 const QString kFonts =
     QStringLiteral("<w:rFonts w:ascii=\"Cambria Math\" w:hAnsi=\"Cambria Math\" w:hint=\"default\"/>");
 const QString kCtrl = QStringLiteral("<m:ctrlPr><w:rPr>") + kFonts + QStringLiteral("</w:rPr></m:ctrlPr>");
@@ -34,10 +36,10 @@ inline const auto kind = [](const QString& tag, const QString& props, const QStr
     return el("m:" + tag, el("m:" + tag + "Pr", props) + args);
 };
 inline const auto equationXml = [](const QString& content) {
-    return "<m:oMath xmlns:m=\"" + kNs + "\">" + content + "</m:oMath>";
+    return "<m:oMath " + kNsDeclarations + ">" + content + "</m:oMath>";
 };
 inline const auto paragraphXml = [](const QString& jc, const QString& content) {
-    return "<m:oMathPara xmlns:m=\"" + kNs + "\"><m:oMathParaPr><m:jc m:val=\"" + jc +
+    return "<m:oMathPara " + kNsDeclarations + "><m:oMathParaPr><m:jc m:val=\"" + jc +
            "\"/></m:oMathParaPr>" + content + "</m:oMathPara>";
 };
 
@@ -54,10 +56,10 @@ inline std::vector<KindCase> kindCases()
     OControlProperties s;
     s.mathProps = OMathRunProperties{OScript::fraktur, OStyle::bold};
     s.wordProps = {"Body", "Body Narrow", {}, true, true, QColor(0x12, 0xab, 0xef)};
-    const QString S =
-        "<m:ctrlPr><m:rPr><m:scr m:val=\"fraktur\"/><m:sty m:val=\"b\"/></m:rPr><w:rPr><w:rFonts "
-        "w:ascii=\"Body\" w:hAnsi=\"Body Narrow\" w:hint=\"default\"/><w:i/><w:b/><w:color "
-        "w:val=\"12abef\"/></w:rPr></m:ctrlPr>";
+    // The math style of control properties is not written: it belongs on the runs.
+    const QString S = "<m:ctrlPr><w:rPr><w:rFonts "
+                      "w:ascii=\"Body\" w:hAnsi=\"Body Narrow\" w:hint=\"default\"/><w:i/><w:b/><w:color "
+                      "w:val=\"12abef\"/></w:rPr></m:ctrlPr>";
     const QString a = runXml("a"), b = runXml("b"), c = runXml("c");
     const QString ea = el("m:e", a), on = "m:val=\"on\"/>", set = " m:val=\"1\"/>";
     std::vector<KindCase> cases;
@@ -87,15 +89,14 @@ inline std::vector<KindCase> kindCases()
         kind("sSubSup", S, ea + el("m:sub", b) + el("m:sup", c)));
     add(OPreSubSuperscript{one("a"), one("b"), one("c"), s},
         kind("sPre", S, el("m:sub", b) + el("m:sup", c) + ea));
-    add(ORadical{one("a"), one("b"), s, true}, kind("rad", S + "<m:degHide " + on, el("m:deg", b) + ea));
+    add(ORadical{one("a"), one("b"), s, true}, kind("rad", "<m:degHide " + on + S, el("m:deg", b) + ea));
     add(ONaryOperator{one("a"), one("b"), {}, s, "\u2211", OLimitLocation::undOvr, false, true},
-        kind(
-            "nary",
-            S + "<m:chr m:val=\"\u2211\"/><m:limLoc m:val=\"undOvr\"/><m:subHide m:val=\"off\"/><m:supHide " +
-                on,
-            el("m:sub", b) + "<m:sup/>" + ea));
+        kind("nary",
+             "<m:chr m:val=\"\u2211\"/><m:limLoc m:val=\"undOvr\"/><m:subHide m:val=\"off\"/><m:supHide " +
+                 on + S,
+             el("m:sub", b) + "<m:sup/>" + ea));
     const QString chrless =
-        kind("nary", kCtrl + "<m:limLoc m:val=\"subSup\"/><m:subHide m:val=\"off\"/><m:supHide " + on,
+        kind("nary", "<m:limLoc m:val=\"subSup\"/><m:subHide m:val=\"off\"/><m:supHide " + on + kCtrl,
              "<m:sub/>" + el("m:sup", c) + "<m:e/>");
     add(ONaryOperator{{}, {}, one("c"), {}, "", {}, false, true}, chrless,
         withChr(chrless, "<m:limLoc", "\u222B"));
@@ -103,35 +104,47 @@ inline std::vector<KindCase> kindCases()
     add(OLimitUpper{one("a"), one("b"), s}, kind("limUpp", S, ea + el("m:lim", b)));
     add(OFunction{one("a"), one("b"), s}, kind("func", S, el("m:fName", a) + el("m:e", b)));
     add(ODelimiter{one("a"), "\U0001D400", "", s},
-        kind("d", S + "<m:begChr m:val=\"\U0001D400\"/><m:endChr m:val=\"\"/>", ea));
+        kind("d", "<m:begChr m:val=\"\U0001D400\"/><m:endChr m:val=\"\"/>" + S, ea));
+    ODelimiter separated{one("a"), "\u27E8", "\u27E9", {}};
+    separated.separated.push_back(one("b"));
+    separated.separated.emplace_back();
+    separated.sepChr = ",";
+    add(std::move(separated),
+        kind("d", "<m:begChr m:val=\"\u27E8\"/><m:sepChr m:val=\",\"/><m:endChr m:val=\"\u27E9\"/>" + kCtrl,
+             ea + el("m:e", b) + "<m:e/>"));
     add(OAccent{one("a"), s, "\u20D7"}, kind("acc", "<m:chr m:val=\"\u20D7\"/>" + S, ea));
     add(OAccent{one("a"), {}, ""}, kind("acc", kCtrl, ea),
         withChr(kind("acc", kCtrl, ea), "<m:ctrlPr>", "\u0302"));
     add(OBar{one("a"), OPosition::bottom}, kind("bar", "<m:pos m:val=\"bot\"/>", ea));
     add(OBorderBox{one("a"), s, true, false, true, false, true, false, true, true},
         kind("borderBox",
-             S + "<m:hideTop" + set + "<m:hideLeft" + set + "<m:strikeH" + set + "<m:strikeBLTR" + set +
-                 "<m:strikeTLBR" + set,
+             "<m:hideTop" + set + "<m:hideLeft" + set + "<m:strikeH" + set + "<m:strikeBLTR" + set +
+                 "<m:strikeTLBR" + set + S,
              ea));
     add(OBorderBox{{}, {}, false, true, false, true, false, true, false, false},
-        kind("borderBox", kCtrl + "<m:hideBot" + set + "<m:hideRight" + set + "<m:strikeV" + set, "<m:e/>"));
+        kind("borderBox", "<m:hideBot" + set + "<m:hideRight" + set + "<m:strikeV" + set + kCtrl, "<m:e/>"));
     add(OGroupChar{one("a"), s, "\u23DE", OPosition::top, OVerticalJustification::bottom},
-        kind("groupChr", S + "<m:chr m:val=\"\u23DE\"/><m:pos m:val=\"top\"/><m:vertJc m:val=\"bot\"/>", ea));
+        kind("groupChr", "<m:chr m:val=\"\u23DE\"/><m:pos m:val=\"top\"/><m:vertJc m:val=\"bot\"/>" + S, ea));
     OMatrix m{{}, {{"2", OColumnJustification::left}, {{}, OColumnJustification::right}}, "3", "1", true, s};
     m.rows.resize(2);
     m.rows[0].push_back(one("a"));
     m.rows[0].emplace_back();
     add(std::move(m),
-        "<m:m><m:mPr><m:mcs><m:mc><m:mcPr><m:count m:val=\"2\"/><m:mcJc m:val=\"left\"/></m:mcPr></m:mc>"
-        "<m:mc><m:mcPr><m:mcJc m:val=\"right\"/></m:mcPr></m:mc></m:mcs><m:cGp m:val=\"3\"/><m:cGpRule "
-        "m:val=\"1\"/><m:plcHide " +
-            on + S + "</m:mPr>" + el("m:mr", ea + "<m:e/>") + "<m:mr/></m:m>");
-    cases.back().readBack.remove("<m:mr/>");
-    add(OBox{one("a"), s, false}, kind("box", S + "<m:noBreak m:val=\"off\"/>", ea));
+        "<m:m><m:mPr><m:plcHide " + on +
+            "<m:cGpRule m:val=\"1\"/><m:cGp m:val=\"3\"/><m:mcs><m:mc><m:mcPr><m:count m:val=\"2\"/><m:mcJc "
+            "m:val=\"left\"/></m:mcPr></m:mc><m:mc><m:mcPr><m:mcJc "
+            "m:val=\"right\"/></m:mcPr></m:mc></m:mcs>" +
+            S + "</m:mPr>" + el("m:mr", ea + "<m:e/>") + "<m:mr><m:e/></m:mr></m:m>");
+    add(OBox{one("a"), s, false}, kind("box", "<m:noBreak m:val=\"off\"/>" + S, ea));
     OEquationArray array{{}, s};
     array.rows.push_back(one("a"));
     array.rows.emplace_back();
     add(std::move(array), kind("eqArr", S, ea + "<m:e/>"));
     add(OPhantom{one("a"), s}, kind("phant", S, ea));
+    add(OPhantom{one("a"), {}, false, true, true, true, true},
+        kind("phant",
+             "<m:show m:val=\"off\"/><m:zeroWid " + on + "<m:zeroAsc " + on + "<m:zeroDesc " + on +
+                 "<m:transp " + on + kCtrl,
+             ea));
     return cases;
 }

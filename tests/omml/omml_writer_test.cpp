@@ -23,9 +23,10 @@ TEST(OmmlWriter, OutOfRangeValuesFallBack)
                     .contains("<m:scr m:val=\"roman\"/><m:sty m:val=\"p\"/>"));
     EXPECT_TRUE(write(ORun{{}, {OScript(-1), OStyle(-1)}, {}})
                     .contains("<m:scr m:val=\"roman\"/><m:sty m:val=\"p\"/>"));
+    // A group character stands at the top or the bottom: any other value is written as top.
     for (int v : {2, 7})
         EXPECT_TRUE(write(OGroupChar{{}, {}, "x", {}, OVerticalJustification(v)})
-                        .contains("<m:vertJc m:val=\"center\"/>"));
+                        .contains("<m:vertJc m:val=\"top\"/>"));
     EXPECT_TRUE(write(OMatrix{{}, {{{}, OColumnJustification(5)}}}).contains("<m:mcJc m:val=\"center\"/>"));
 }
 

@@ -84,7 +84,7 @@ struct PhantomChain {
     explicit PhantomChain(int depth) : root(run("x"))
     {
         for (int i = 0; i < depth; ++i)
-            root = makeOmmlNode(OPhantom{makeOmmlList(std::move(root))});
+            root = makeOmmlNode(OPhantom{makeOmmlList(std::move(root)), {}, false});
     }
     ~PhantomChain()
     {
@@ -116,7 +116,7 @@ TEST(ConvertsModel, DepthGuardCutsOnlyHostileNesting)
     ASSERT_NE(tree, nullptr);
     EXPECT_EQ(countPhantoms(tree.get()), KOmmlToLatexConverter::kMaxDepth);
     // The converter is reusable after hitting the limit.
-    EXPECT_EQ(latexOf(converter.convert(makeOmmlNode(OPhantom{one("y")}).get())), "\\phantom{y}");
+    EXPECT_EQ(latexOf(converter.convert(makeOmmlNode(OPhantom{one("y"), {}, false}).get())), "\\phantom{y}");
 }
 
 // `rows` rows, row i of cells(i) cells; the converted rows' cell counts.

@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
         RoundTripCase{"\\operatorname*{arg\\,max}_x f", "<m:limLow>"},
         RoundTripCase{"\\limsup_{n} a_n", "<m:limLow>"}, RoundTripCase{"\\max_a^b x", "<m:limUpp>"},
         RoundTripCase{"\\lcm(a,b)", "<m:limLow>"}, RoundTripCase{"\\ensuremath{\\eta}", "<m:t>"},
-        RoundTripCase{"\\dbinom{n}{k}", "m:val=\"nobar\""}, RoundTripCase{"{a \\atop b}", "m:val=\"nobar\""},
+        RoundTripCase{"\\dbinom{n}{k}", "m:val=\"noBar\""}, RoundTripCase{"{a \\atop b}", "m:val=\"noBar\""},
         RoundTripCase{"\\nicefrac{1}{2}", "m:val=\"skw\""},
         RoundTripCase{"\\sum_{\\substack{i<j\\\\k}} a_{ij}", "<m:eqArr>"},
         RoundTripCase{"\\begin{gathered}a=b\\\\c\\end{gathered}", "<m:eqArr>"},

@@ -88,7 +88,7 @@ TEST(OmmlTextToLatex, Structures)
 {
     expectAll({
         {m("f", ab), "\\frac{a}{b}"},
-        {frac("nobar"), "{a\\atop b}"},
+        {frac("noBar"), "{a\\atop b}"},
         {frac("lin"), "\\tfrac{a}{b}"},
         {frac("skw"), "\\sfrac{a}{b}"},
         {m("f", m("num") + m("den", r("D"))), "\\frac{}{D}"},
@@ -133,9 +133,10 @@ TEST(OmmlTextToLatex, Structures)
         {m("d", m("dPr", v("begChr", "|") + "<m:endChr/>") + x), "\\left|x\\right."},
         {delim("", "", r("x")), "\\left.x\\right."},
         {delim("(", ")", ""), "\\left(\\right)"},
-        {m("d", m("e", frac("noBar"))), "\\left(\\frac{a}{b}\\right)"}, // not a fraction type
+        {m("d", m("e", frac("NOBAR"))), "\\left(\\frac{a}{b}\\right)"}, // not a fraction type
+        {m("d", m("e", frac("noBar"))), "\\binom{a}{b}"},
         {m("d", m("e", frac("nobar"))), "\\binom{a}{b}"},
-        {delim("[", "]", frac("nobar")), "\\left[{a\\atop b}\\right]"},
+        {delim("[", "]", frac("noBar")), "\\left[{a\\atop b}\\right]"},
         {delim("{", "", m("eqArr", e("1") + e("0"))), "\\begin{cases}\n\t1 \\\\\n\t0\n\\end{cases}"},
         {delim("{", "", m("eqArr", e("1"))), "1"},
         {delim("{", "}", m("eqArr", e("1") + e("0"))),
@@ -174,7 +175,15 @@ TEST(OmmlTextToLatex, Structures)
         {m("eqArr", e("a") + m("e") + e("c")), "\\begin{gathered}\n\ta \\\\\n\t \\\\\n\tc\n\\end{gathered}"},
         {m("eqArr", e("a")), "a"},
         {m("eqArr"), ""},
-        {m("phant", x), "\\phantom{x}"},
+        // Without m:show a phantom shows its content.
+        {m("phant", x), "x"},
+        {m("phant", m("phantPr", "<m:show/>") + x), "x"},
+        {m("phant", m("phantPr", v("show", "0")) + x), "\\phantom{x}"},
+        {m("phant", m("phantPr", v("show", "off")) + x), "\\phantom{x}"},
+        {m("phant", m("phantPr", v("show", "false") + v("zeroAsc", "on") + v("zeroDesc", "1")) + x),
+         "\\hphantom{x}"},
+        {m("phant", m("phantPr", v("show", "off") + "<m:zeroWid/>") + x), "\\vphantom{x}"},
+        {m("phant", m("phantPr", v("show", "off") + "<m:zeroWid/><m:zeroAsc/>") + x), "\\phantom{x}"},
         {m("sPre", m("sub", r("a")) + m("sup", r("b")) + e("X")), "{}_a^b X"},
         {m("sPre"), "{}_{}^{}"},
     });
@@ -226,7 +235,7 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {m("sSup", m("sSupPr", ctrl("", font("Cambria Math"))) + x + m("sup", r("2"))), "x^2"},
         // A binomial takes the properties of its delimiter, cases keep both.
         {m("d", m("dPr", ctrl("", colour("FF0000"))) +
-                    m("e", m("f", m("fPr", v("type", "nobar") + ctrl("", colour("0000FF"))) + ab))),
+                    m("e", m("f", m("fPr", v("type", "noBar") + ctrl("", colour("0000FF"))) + ab))),
          "\\textcolor{red}{\\binom{a}{b}}"},
         {m("d", m("dPr", v("begChr", "{") + v("endChr", "") + ctrl("", colour("FF0000"))) +
                     m("e", m("eqArr", m("eqArrPr", ctrl(p, "")) + e("a") + e("b")))),
@@ -248,8 +257,9 @@ TEST(OmmlTextToLatex, RejectsWhatIsNotAParagraph)
 
 QString nestedPhantoms(int depth)
 {
-    return para(QStringLiteral("<m:phant><m:e>").repeated(depth) + r("x") +
-                QStringLiteral("</m:e></m:phant>").repeated(depth));
+    return para(
+        QStringLiteral("<m:phant><m:phantPr><m:show m:val=\"off\"/></m:phantPr><m:e>").repeated(depth) +
+        r("x") + QStringLiteral("</m:e></m:phant>").repeated(depth));
 }
 
 TEST(OmmlTextToLatex, HostileAndHugeInput)

@@ -12,7 +12,7 @@ TEST(RoundTrip, IsExactAndStable)
 {
     const std::pair<const char*, const char*> cases[] = {
         {"\\frac{a}{b}", "\\frac{a}{b}"},
-        {"\\sum_{i=1}^{n} i", "\\sum\\nolimits_{i=1}^n i"},
+        {"\\sum_{i=1}^{n} i", "\\sum_{i=1}^n i"},
         {"\\int\\limits_0^1 x\\,dx", "\\int\\limits_0^1 x\\,dx"},
         {"\\int_0^1 x^2 dx", "\\int_0^1 x^2 dx"},
         {"a\\ b\\quad c\\qquad d~e\\;f\\:g", "a\\ b\\quad c\\qquad d~e\\;f\\:g"},
@@ -33,6 +33,16 @@ TEST(RoundTrip, IsExactAndStable)
         {"\\lim_{n\\to\\infty} a_n", "\\lim_{n\\rightarrow\\infty} a_n"},
         {"\\left\\langle x \\right\\rangle", "\\left\\langle x\\right\\rangle"},
         {"\\frac{\\partial f}{\\partial x}", "\\frac{\\partial f}{\\partial x}"},
+        {"\\phantom{x}\\hphantom{y}\\vphantom{z}", "\\phantom{x}\\hphantom{y}\\vphantom{z}"},
+        {"\\left( a \\middle| b \\right)", "\\left(a\\middle|b\\right)"},
+        {"\\left\\langle a \\middle\\| b \\right\\rangle", "\\left\\langle a\\middle\\Vert b\\right\\rangle"},
+        {"\\bigl( x \\Bigr]", "\\bigl(x\\Bigr]"},
+        // The plain form shows its fence on the opening side.
+        {"\\bigg\\{ x \\Bigg\\}", "\\biggl\\{x\\Biggl\\}"},
+        {"\\overbrace{a+b}^{n}", "\\overbrace{a+b}^n"},
+        {"\\underbrace{x}_{k}^{m}", "\\underbrace{x}_k^m"},
+        {"\\bigcup_{i} A_i", "\\bigcup_i A_i"},
+        {"\\sum\\nolimits_{i} x", "\\sum\\nolimits_i x"},
     };
     const KFormulaConverterHelper helper;
     for (const auto& [latex, expected] : cases) {
