@@ -261,3 +261,19 @@ KTypoNodePtr layoutGroupChar(const KLayoutContext& context, const OGroupChar& gr
     container->addChild(std::move(base));
     return container;
 }
+
+KTypoNodePtr layoutPhantom(const KLayoutContext& context, const OPhantom& phantom)
+{
+    std::unique_ptr<KTypoLine> content = layoutList(context, phantom.e);
+    const double width = phantom.zeroWid ? 0.0 : content->width;
+    const double ascent = phantom.zeroAsc ? 0.0 : content->ascent;
+    const double bottom = phantom.zeroDesc ? 0.0 : content->bottom;
+    auto box = makeContainer(context);
+    if (phantom.show) {
+        content->x = 0;
+        content->y = ascent - content->ascent;
+        box->addChild(std::move(content));
+    }
+    setBox(*box, width, ascent, bottom);
+    return box;
+}

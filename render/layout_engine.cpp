@@ -281,8 +281,10 @@ KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node)
                 return layoutBox(inner, element);
             else if constexpr (std::is_same_v<T, OEquationArray>)
                 return layoutEquationArray(inner, element);
+            else if constexpr (std::is_same_v<T, OPhantom>)
+                return layoutPhantom(inner, element);
             else
-                // Paragraphs, nested equations, phantoms and pre-scripts occupy no space.
+                // Paragraphs, nested equations and pre-scripts occupy no space.
                 return nullptr;
         },
         node.value);

@@ -103,6 +103,9 @@ KTypoNodePtr layoutFunction(const KLayoutContext& context, const OFunction& func
 KTypoNodePtr layoutLimitLower(const KLayoutContext& context, const OLimitLower& limit);
 KTypoNodePtr layoutLimitUpper(const KLayoutContext& context, const OLimitUpper& limit);
 KTypoNodePtr layoutBox(const KLayoutContext& context, const OBox& box);
+// A phantom (layout_decorations.cpp): its content's box, less what the zero flags take
+// away; a hidden one draws nothing in it.
+KTypoNodePtr layoutPhantom(const KLayoutContext& context, const OPhantom& phantom);
 
 // Fences, decorations and tables (layout_fences.cpp, layout_decorations.cpp, layout_tables.cpp).
 KTypoNodePtr layoutDelimiter(const KLayoutContext& context, const ODelimiter& delimiter);

@@ -36,6 +36,52 @@ KTypoNodePtr makeFence(const KLayoutContext& context, const QString& chr, double
     return fence;
 }
 
+// The elements of a delimiter side by side, each after the first set off by the
+// separator, which is drawn at the height of the fences; a separator without a
+// built shape is set as a character.
+std::unique_ptr<KTypoLine> layoutElements(const KLayoutContext& context, const ODelimiter& delimiter,
+                                          double u, double gap)
+{
+    std::vector<std::unique_ptr<KTypoLine>> parts;
+    parts.push_back(layoutList(context, delimiter.e));
+    for (const KOmmlNodeList& element : delimiter.separated)
+        parts.push_back(layoutList(context, element));
+    if (parts.size() == 1)
+        return std::move(parts.front());
+    double ascent = 0;
+    double bottom = 0;
+    for (const auto& part : parts) {
+        ascent = std::max(ascent, part->ascent);
+        bottom = std::max(bottom, part->bottom);
+    }
+    auto row = makeContainer(context);
+    double x = 0;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (i > 0 && !delimiter.sepChr.isEmpty()) {
+            KTypoNodePtr separator = makeFence(context, delimiter.sepChr, ascent + bottom + 2 * u);
+            double separatorAscent = ascent + u;
+            if (!separator) {
+                OMathRunProperties upright;
+                upright.style = OStyle::plain;
+                const KOmmlNodeList sign = makeOmmlList(makeOmmlNode(ORun{delimiter.sepChr, upright, {}}));
+                std::unique_ptr<KTypoLine> text = layoutList(context, sign);
+                separatorAscent = text->ascent;
+                separator = std::move(text);
+            }
+            separator->x = x + gap;
+            separator->y = ascent - separatorAscent;
+            x = separator->x + separator->width + gap;
+            row->addChild(std::move(separator));
+        }
+        parts[i]->x = x;
+        parts[i]->y = ascent - parts[i]->ascent;
+        x += parts[i]->width;
+        row->addChild(std::move(parts[i]));
+    }
+    setBox(*row, x, ascent, bottom);
+    return row;
+}
+
 } // namespace
 
 KTypoNodePtr layoutDelimiter(const KLayoutContext& context, const ODelimiter& delimiter)
@@ -44,8 +90,9 @@ KTypoNodePtr layoutDelimiter(const KLayoutContext& context, const ODelimiter& de
     const double u = kMargin * size;
     const double gap = kFenceGap * size;
 
-    std::unique_ptr<KTypoLine> body = layoutList(context, delimiter.e);
-    const bool empty = !(body->width > 0);
+    std::unique_ptr<KTypoLine> body = layoutElements(context, delimiter, u, gap);
+    // A body of no width that still has height (the strut of \bigl) is not empty.
+    const bool empty = !(body->width > 0) && !(body->height > 0);
     if (empty) {
         body = makeContainer(context);
         const double spaceWidth = context.metrics.horizontalAdvance(QLatin1Char(' '));

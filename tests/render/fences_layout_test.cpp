@@ -91,12 +91,13 @@ TEST(DelimiterFences, EncloseTheBodyWithAMarginAndAGapPerDrawnFence)
 
 TEST(DelimiterPlaceholder, IsARectangleThreeSpacesWideInItsOwnColour)
 {
-    KOmmlNodeList (*const bodies[])() = {[] { return KOmmlNodeList{}; },
-                                         [] { return makeOmmlList(KOmmlNodePtr()); },
-                                         [] { return runs(QString()); },
-                                         [] {
-                                             return makeOmmlList(makeOmmlNode(OPhantom{runs("x"), {}}));
-                                         }};
+    KOmmlNodeList (*const bodies[])() = {
+        [] { return KOmmlNodeList{}; }, [] { return makeOmmlList(KOmmlNodePtr()); },
+        [] { return runs(QString()); },
+        [] {
+            // A hidden phantom with every dimension taken away.
+            return makeOmmlList(makeOmmlNode(OPhantom{runs("x"), {}, false, true, true, true}));
+        }};
     for (const auto body : bodies) {
         for (const double size : {10.0, 50.0}) {
             const KLayoutContext context = makeLayoutContext(size);

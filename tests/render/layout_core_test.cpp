@@ -350,10 +350,36 @@ TEST(LimitLayout, LimStacksItsLimitUnderTheName)
     EXPECT_GT(g[3].baseline, g[0].baseline + g[0].glyph->bottom);
 }
 
-TEST(NothingKinds, PhantomsPrescriptsAndNestedEquationsTakeNoSpace)
+TEST(Phantoms, TakeTheirContentsSpaceLessTheZeroFlags)
+{
+    const KTypoNodePtr plain = layoutOf(runs(QStringLiteral("xy")), 10);
+    ASSERT_TRUE(plain);
+    struct Case {
+        OPhantom phantom;
+        bool draws;
+        double width, ascent, bottom;
+    };
+    const double w = plain->width, a = plain->ascent, b = plain->bottom;
+    Case cases[] = {
+        {{runs(QStringLiteral("xy")), {}, true}, true, w, a, b},
+        {{runs(QStringLiteral("xy")), {}, false}, false, w, a, b},
+        {{runs(QStringLiteral("xy")), {}, false, false, true, true}, false, w, 0, 0},
+        {{runs(QStringLiteral("xy")), {}, false, true}, false, 0, a, b},
+        {{runs(QStringLiteral("xy")), {}, true, true}, true, 0, a, b},
+    };
+    for (Case& c : cases) {
+        const Laid laid = layoutOne(makeOmmlNode(std::move(c.phantom)), 10);
+        ASSERT_TRUE(laid.node);
+        EXPECT_EQ(!laid.node->children.empty(), c.draws);
+        EXPECT_NEAR(laid.node->width, c.width, kEps);
+        EXPECT_NEAR(laid.node->ascent, c.ascent, kEps);
+        EXPECT_NEAR(laid.node->bottom, c.bottom, kEps);
+    }
+}
+
+TEST(NothingKinds, PrescriptsAndNestedEquationsTakeNoSpace)
 {
     KOmmlNodeList list;
-    list.push_back(makeOmmlNode(OPhantom{runs(QStringLiteral("x"))}));
     OPreSubSuperscript pre;
     pre.e = runs(QStringLiteral("x"));
     list.push_back(makeOmmlNode(std::move(pre)));
