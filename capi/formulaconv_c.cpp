@@ -5,6 +5,7 @@
 
 #include "capi/offscreen_app.h"
 #include "interface/converter_helper.h"
+#include "interface/latex_lint.h"
 #include "latex/latex_dump.h"
 #include "latex/latex_parser.h"
 
@@ -51,8 +52,7 @@ template <typename Operation> char* convert(const char* text, size_t length, Ope
 
 QString lintJson(const QString& latex)
 {
-    LatexDiagnostics diagnostics;
-    parseLatex(latex, diagnostics);
+    const LatexDiagnostics diagnostics = lintLatex(latex);
     QString json = QStringLiteral("[");
     for (const LatexDiagnostic& d : diagnostics) {
         if (json.size() > 1)

@@ -1,5 +1,6 @@
 #include "cli/cli_inspect.h"
 
+#include "interface/latex_lint.h"
 #include "latex/latex_dump.h"
 #include "latex/latex_parser.h"
 
@@ -33,8 +34,7 @@ int runAst(const QString& latex, QTextStream& out, QTextStream&)
 
 int runLint(const QString& latex, bool json, QTextStream& out, QTextStream&)
 {
-    LatexDiagnostics diagnostics;
-    const KLatexNodePtr root = parseLatex(latex, diagnostics);
+    const LatexDiagnostics diagnostics = lintLatex(latex);
     // Diagnostics are not ordered by offset, so each one looks its line up in a table of line starts.
     std::vector<int> lineStarts{0};
     for (int i = 0; i < latex.size(); ++i) {

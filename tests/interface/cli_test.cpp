@@ -123,6 +123,18 @@ TEST(CliInspect, ExactOutputAndExitCode)
          "{\"severity\":2,\"pos\":7,\"length\":1,\"code\":\"E_missing_rbrace\",\"message\":\"Missing "
          "'}'.\"}\n"},
         {{"lint", "\\frac{a}{b}"}, {}, 0, ""},
+        // Names the converter does not know are found where they stand; defined macros, known
+        // names and environments are not reported.
+        {{"lint", "\\def\\f{x}\\f+\\alpha\n\\foo{y}+\\begin{bar}z\\end{bar}\\begin{CD}A\\end{CD}"},
+         {},
+         1,
+         "2:1: warning: Unknown command \\foo; it shows as its name. [W_unknown_command]\n"
+         "2:9: warning: Unknown environment bar; its content is kept. [W_unknown_environment]\n"},
+        {{"lint", "--json", "\\text{\\'e}\\zz*"},
+         {},
+         1,
+         "{\"severity\":1,\"pos\":10,\"length\":4,\"code\":\"W_unknown_command\","
+         "\"message\":\"Unknown command \\\\zz*; it shows as its name.\"}\n"},
         {{"lint", "--json", "x^2"}, {}, 0, ""},
     };
     for (const auto& c : cases) {

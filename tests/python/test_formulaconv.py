@@ -72,6 +72,11 @@ def test_lint_reports_missing_brace():
     assert formulaconv.lint("x+1") == []
 
 
+def test_lint_finds_unknown_names():
+    diagnostics = formulaconv.lint(r"a+\foo")
+    assert [(d.code, d.severity, d.pos, d.length) for d in diagnostics] == [("W_unknown_command", 1, 2, 4)]
+
+
 def test_lint_positions_count_utf16_units():
     # U+1D400 is two UTF-16 code units, so the stray brace after it is at 2.
     diagnostics = formulaconv.lint("\U0001d400}")
