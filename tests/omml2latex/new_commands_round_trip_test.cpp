@@ -83,4 +83,18 @@ INSTANTIATE_TEST_SUITE_P(
                       RoundTripCase{"{x_a}_b", "<m:sSub>"}, RoundTripCase{"{x^a}^b", "<m:sSup>"},
                       RoundTripCase{"\\cancel{x}+\\bcancel{y}+\\xcancel{z}", "<m:borderBox>"}));
 
+// Names of the wider vocabulary whose OMML reads back as the same OMML.
+INSTANTIATE_TEST_SUITE_P(Vocabulary, ReadsBack,
+                         ::testing::Values(RoundTripCase{"\\Ket{\\psi}+\\bra{\\phi}", "<m:d>"},
+                                           RoundTripCase{"\\angl{n}", "<m:borderBox>"},
+                                           RoundTripCase{"\\phase{\\theta}", "<m:borderBox>"},
+                                           RoundTripCase{"\\sout{ab}", "<m:borderBox>"},
+                                           RoundTripCase{"\\overgroup{AB}+\\undergroup{CD}", "<m:groupChr>"},
+                                           RoundTripCase{"\\underlinesegment{AB}+\\underleftrightarrow{CD}",
+                                                         "<m:acc>"},
+                                           RoundTripCase{"\\utilde{x}+\\overlinesegment{y}", "<m:acc>"},
+                                           RoundTripCase{"{n \\brace k}+{n \\brack k}", "m:val=\"nobar\""},
+                                           RoundTripCase{"\\tg x+\\argmin_x f", "<m:func>"},
+                                           RoundTripCase{"\\checkmark\\yen\\maltese\\lmoustache", "<m:t>"}));
+
 } // namespace
