@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(Vocabulary, ReadsBack,
                                            RoundTripCase{"\\underlinesegment{AB}+\\underleftrightarrow{CD}",
                                                          "<m:acc>"},
                                            RoundTripCase{"\\utilde{x}+\\overlinesegment{y}", "<m:acc>"},
-                                           RoundTripCase{"{n \\brace k}+{n \\brack k}", "m:val=\"nobar\""},
+                                           RoundTripCase{"{n \\brace k}+{n \\brack k}", "m:val=\"noBar\""},
                                            RoundTripCase{"\\tg x+\\argmin_x f", "<m:func>"},
                                            RoundTripCase{"\\checkmark\\yen\\maltese\\lmoustache", "<m:t>"}));
 
