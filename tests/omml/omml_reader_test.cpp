@@ -83,6 +83,68 @@ TEST(OmmlReader, ReadsWholeElements)
     EXPECT_FALSE(ommlAs<ORadical>(rad.get())->deg.has_value());
 }
 
+TEST(OmmlReader, ReadsThroughTheMarkupDocumentsPutAroundMath)
+{
+    const QString a = runXml("a"), b = runXml("b");
+    const QString track = " w:id=\"1\" w:author=\"Reviewer\" w:date=\"2024-01-01T00:00:00Z\"";
+    const std::pair<QString, QString> cases[] = {
+        // Links, insertions, moves, smart tags, custom markup, content controls and fields hold
+        // what stands in their place; nested ones too.
+        {"<w:hyperlink r:id=\"rId1\">" + bareRun("a") + "</w:hyperlink>", a},
+        {"<w:ins" + track + ">" + bareRun("a") + "</w:ins>", a},
+        {"<w:moveTo" + track + ">" + bareRun("a") + "</w:moveTo>", a},
+        {"<w:smartTag w:element=\"x\">" + bareRun("a") + "</w:smartTag>", a},
+        {"<w:customXml w:element=\"x\"><w:customXmlPr/>" + bareRun("a") + "</w:customXml>", a},
+        {"<w:sdt><w:sdtPr><w:id w:val=\"1\"/></w:sdtPr><w:sdtContent>" + bareRun("a") +
+             "</w:sdtContent></w:sdt>",
+         a},
+        {"<w:fldSimple w:instr=\"x\">" + bareRun("a") + "</w:fldSimple>", a},
+        {"<w:ins" + track + "><w:hyperlink w:anchor=\"x\">" + bareRun("a") + "</w:hyperlink></w:ins>" +
+             bareRun("b"),
+         a + b},
+        // Deleted and moved-away text, bookmarks and proofing marks are left out.
+        {"<w:del" + track + ">" + bareRun("a") + "</w:del>" + bareRun("b"), b},
+        {"<w:moveFrom" + track + ">" + bareRun("a") + "</w:moveFrom>" + bareRun("b"), b},
+        {"<w:bookmarkStart w:id=\"0\" w:name=\"x\"/>" + bareRun("a") +
+             "<w:proofErr w:type=\"gramStart\"/><w:bookmarkEnd w:id=\"0\"/>",
+         a},
+    };
+    for (const auto& [inner, expected] : cases) {
+        EXPECT_EQ(readDump(el("m:oMath", inner)), equationXml(expected)) << inner.toStdString();
+        // Inside an argument as well.
+        EXPECT_EQ(readDump(el("m:sSup", el("m:e", inner))),
+                  kind("sSup", kCtrl, el("m:e", expected) + "<m:sup/>"))
+            << inner.toStdString();
+    }
+}
+
+TEST(OmmlReader, SeparatorsAndPhantomFlags)
+{
+    const QString a = runXml("a"), b = runXml("b"), ea = el("m:e", a);
+    const QString on = " m:val=\"on\"/>";
+    const std::pair<QString, QString> cases[] = {
+        // Every element of a delimiter is kept with its separator, which may come after them.
+        {"<m:d><m:e>" + bareRun("a") + "</m:e><m:dPr><m:sepChr m:val=\",\"/></m:dPr><m:e>" + bareRun("b") +
+             "</m:e><m:e/></m:d>",
+         kind("d", "<m:begChr m:val=\"(\"/><m:sepChr m:val=\",\"/><m:endChr m:val=\")\"/>" + kCtrl,
+              ea + el("m:e", b) + "<m:e/>")},
+        // A phantom shows its content unless m:show says otherwise; a flag without a value is on.
+        {el("m:phant", el("m:e", bareRun("a"))), kind("phant", kCtrl, ea)},
+        {"<m:phant><m:phantPr><m:show/><m:zeroWid/></m:phantPr><m:e>" + bareRun("a") + "</m:e></m:phant>",
+         kind("phant", "<m:zeroWid" + on + kCtrl, ea)},
+        {"<m:phant><m:phantPr><m:show m:val=\"false\"/><m:zeroAsc m:val=\"1\"/><m:zeroDesc m:val=\"true\"/>"
+         "<m:transp m:val=\"0\"/></m:phantPr></m:phant>",
+         kind("phant", "<m:show m:val=\"off\"/><m:zeroAsc" + on + "<m:zeroDesc" + on + kCtrl, "<m:e/>")},
+        // Normal text is set upright.
+        {"<m:r><m:rPr><m:nor/></m:rPr><m:t>if</m:t></m:r>",
+         "<m:r><m:rPr><m:scr m:val=\"roman\"/><m:sty m:val=\"p\"/></m:rPr><w:rPr>" + kFonts +
+             "</w:rPr><m:t>if</m:t></m:r>"},
+        {"<m:r><m:rPr><m:nor m:val=\"off\"/></m:rPr><m:t>if</m:t></m:r>", runXml("if")},
+    };
+    for (const auto& [xml, expected] : cases)
+        EXPECT_EQ(readDump(xml), expected) << xml.toStdString();
+}
+
 TEST(OmmlReader, PropertyValues)
 {
     auto pr = [](const char* kind, const char* inner) {
