@@ -177,6 +177,12 @@ public:
         put(u'"');
     }
 
+    void writeCharacters(QStringView text)
+    {
+        finishStartTag();
+        putEscaped(text, false);
+    }
+
     void writeTextElement(QStringView name, QStringView text)
     {
         writeStartElement(name);
@@ -366,7 +372,7 @@ public:
         m_xml.writeStartElement(QStringLiteral("m:r"));
         mathRunProperties(r.mathProps);
         wordRunProperties(r.wordProps);
-        m_xml.writeTextElement(QStringLiteral("m:t"), safe(r.text));
+        runText(r.text);
         m_xml.writeEndElement();
     }
 
@@ -659,6 +665,24 @@ private:
             if (child)
                 node(*child);
         }
+    }
+
+    // White space at either end of a run's text is kept only where the text says
+    // so: readers of documents trim it otherwise.
+    void runText(const QString& text)
+    {
+        auto isXmlSpace = [](QChar c) {
+            return c == QLatin1Char(' ') || c == QLatin1Char('\t') || c == QLatin1Char('\n') ||
+                   c == QLatin1Char('\r');
+        };
+        if (text.isEmpty() || (!isXmlSpace(text.front()) && !isXmlSpace(text.back()))) {
+            m_xml.writeTextElement(QStringLiteral("m:t"), safe(text));
+            return;
+        }
+        m_xml.writeStartElement(QStringLiteral("m:t"));
+        m_xml.writeAttribute(QStringLiteral("xml:space"), QStringLiteral("preserve"));
+        m_xml.writeCharacters(safe(text));
+        m_xml.writeEndElement();
     }
 
     void namespaces()

@@ -89,9 +89,18 @@ inline QString properties(const Look& look)
     return math + wrap("w:rPr", word);
 }
 
+// Run text; white space at either end is marked as kept.
+inline QString t(const QString& text)
+{
+    const QString spaces = QStringLiteral(" \t\n\r");
+    const bool kept = !text.isEmpty() && (spaces.contains(text.front()) || spaces.contains(text.back()));
+    return (kept ? QStringLiteral("<m:t xml:space=\"preserve\">") : QStringLiteral("<m:t>")) + text +
+           "</m:t>";
+}
+
 inline QString r(const QString& text, const Look& look = Look())
 {
-    return "<m:r>" + properties(look) + "<m:t>" + text + "</m:t></m:r>";
+    return "<m:r>" + properties(look) + t(text) + "</m:r>";
 }
 
 // An operator name run: roman and plain.

@@ -23,9 +23,12 @@ const QString kCtrl = QStringLiteral("<m:ctrlPr><w:rPr>") + kFonts + QStringLite
 inline const auto run = [](const QString& text) { return makeOmmlNode(ORun{text, {}, {}}); };
 inline const auto one = [](const QString& text) { return makeOmmlList(run(text)); };
 // A default run with the given text, as written.
+// White space at either end of the text is marked as kept.
 inline const auto runXml = [](const QString& text) {
-    return "<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr>" + kFonts + "</w:rPr><m:t>" + text +
-           "</m:t></m:r>";
+    const QString spaces = QStringLiteral(" \t\n\r");
+    const bool kept = !text.isEmpty() && (spaces.contains(text.front()) || spaces.contains(text.back()));
+    return "<m:r><m:rPr><m:scr m:val=\"roman\"/></m:rPr><w:rPr>" + kFonts + "</w:rPr>" +
+           (kept ? "<m:t xml:space=\"preserve\">" : "<m:t>") + text + "</m:t></m:r>";
 };
 // "<tag>" + content + "</tag>".
 inline const auto el = [](const QString& tag, const QString& content) {

@@ -30,6 +30,20 @@ TEST(OmmlWriter, OutOfRangeValuesFallBack)
     EXPECT_TRUE(write(OMatrix{{}, {{{}, OColumnJustification(5)}}}).contains("<m:mcJc m:val=\"center\"/>"));
 }
 
+TEST(OmmlWriter, RunTextWithWhiteSpaceAtAnEndIsMarkedKept)
+{
+    const std::pair<QString, QString> cases[] = {
+        {"a b", "<m:t>a b</m:t>"},
+        {" ", "<m:t xml:space=\"preserve\"> </m:t>"},
+        {"a\t", "<m:t xml:space=\"preserve\">a\t</m:t>"},
+        {"\na", "<m:t xml:space=\"preserve\">\na</m:t>"},
+        {QString(QChar(0x2005)) + "a", QString("<m:t>") + QChar(0x2005) + "a</m:t>"}, // not XML white space
+        {"", "<m:t></m:t>"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_TRUE(write(ORun{text, {}, {}}).contains(expected)) << expected.toStdString();
+}
+
 TEST(OmmlWriter, NullChildrenAreSkipped)
 {
     EXPECT_EQ(write(OMathEquation{makeOmmlList(nullptr, run("a"), nullptr)}), equationXml(runXml("a")));
