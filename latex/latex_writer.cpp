@@ -338,7 +338,26 @@ QString KLatexWriter::print(const KLatexCommand& command)
         m_lastClass = OutputClass::other;
         return result;
     }
+    if (name == QLatin1String("verb") || name == QLatin1String("verb*"))
+        return verbatim(name, command.args);
     return plainCommand(name, command.args);
+}
+
+QString KLatexWriter::verbatim(const QString& name, const KLatexArgs& args)
+{
+    // \verb takes its text between two equal characters that the text does not hold.
+    QString text;
+    if (const auto* group = args.empty() ? nullptr : latexAs<KLatexGroup>(args.front().node.get()))
+        for (const auto& child : group->children)
+            if (const auto* part = latexAs<KLatexText>(child.get()))
+                text += part->text;
+    m_lastClass = OutputClass::other;
+    for (const QChar delimiter : QStringLiteral("|!+/=:;.,-_@\"'`~^")) {
+        if (!text.contains(delimiter))
+            return QLatin1Char('\\') + name + delimiter + text + delimiter;
+    }
+    return QLatin1Char('\\') + name + QLatin1Char('|') + QString(text).remove(QLatin1Char('|')) +
+           QLatin1Char('|');
 }
 
 QString KLatexWriter::print(const KLatexUnknownCommand& command)

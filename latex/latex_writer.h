@@ -60,6 +60,7 @@ private:
     QString arguments(const KLatexArgs& args);
     QString scriptPart(QChar marker, const KLatexNode* node);
     QString plainCommand(const QString& name, const KLatexArgs& args);
+    QString verbatim(const QString& name, const KLatexArgs& args);
 
     KLatexWriterOptions m_options;
     // One value for the whole run: nested printing updates it too.

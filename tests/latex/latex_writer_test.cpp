@@ -57,6 +57,9 @@ TEST(LatexWriter, PrintsWholeTrees)
         {group(t("α"), t("β"), t("\u0663"), t("x")), "α β \u0663 x"},
         {group(t("\U0001D465"), t("y"), cmd("alpha"), t("\U0001D465")), "\U0001D465y\\alpha\U0001D465"},
         {group(nullptr, t("a"), nullptr, group(), t("b")), "a b"},
+        // Verbatim text between two equal characters it does not hold.
+        {group(cmd("verb", arg(group(t("x^2 {")))), t("y")), "\\verb|x^2 {|y"},
+        {group(cmd("verb*", arg(group(t("a|b+c"))))), "\\verb*!a|b+c!"},
         // The class of the last piece is one value for the whole run, set also inside children.
         {group(t("+"), group(t("x"), cmd("alpha"))), "+ x\\alpha"},
         {group(t("+"), script(t("x"), cmd("alpha"))), "+ x^\\alpha"},
