@@ -157,6 +157,7 @@ bool sameColour(const std::optional<QColor>& a, const std::optional<QColor>& b)
 bool sameRunProperties(const ORun& a, const ORun& b)
 {
     return a.mathProps.script == b.mathProps.script && a.mathProps.style == b.mathProps.style &&
+           a.mathProps.normalText == b.mathProps.normalText &&
            a.wordProps.asciiFont == b.wordProps.asciiFont && a.wordProps.hAnsiFont == b.wordProps.hAnsiFont &&
            a.wordProps.hint == b.wordProps.hint && a.wordProps.italic == b.wordProps.italic &&
            a.wordProps.bold == b.wordProps.bold && sameColour(a.wordProps.color, b.wordProps.color);

@@ -395,8 +395,15 @@ KOmmlNodeList operatorName(KLatexAst2Omml& converter, const KLatexCommand& comma
     }
     for (const QChar c : text)
         plain = plain && c.isLetterOrNumber();
-    if (!plain)
-        return firstArgument(converter, command);
+    if (!plain) {
+        OControlProperties upright = converter.currentStyle();
+        upright.mathProps = OMathRunProperties{};
+        upright.mathProps->style = OStyle::plain;
+        converter.pushStyle(upright);
+        KOmmlNodeList converted = firstArgument(converter, command);
+        converter.popStyle();
+        return converted;
+    }
     OFunction result;
     result.fName = makeOmmlList(makeNameRun(text));
     result.ctrlPr = converter.currentStyle();

@@ -152,6 +152,15 @@ const QHash<QString, KFrame>& framedBoxes()
     return table;
 }
 
+// The current style with its runs made normal text.
+OControlProperties normalTextStyle(const KLatexAst2Omml& ast)
+{
+    OControlProperties style = ast.currentStyle();
+    style.mathProps = OMathRunProperties{};
+    style.mathProps->normalText = true;
+    return style;
+}
+
 OBorderBox borderAround(KOmmlNodeList content, const OControlProperties& ctrlPr)
 {
     OBorderBox border;
@@ -352,9 +361,14 @@ KOmmlNodeList textFont(KLatexAst2Omml& ast, const KLatexCommand& command)
         if (found->italic)
             style.wordProps.italic = true;
     }
-    // Text is set upright, as TeX sets it, unless the command or the math around it chose a style.
-    if (!style.mathProps->style)
+    // Words in the roman text font are normal text, upright whatever math style surrounds them;
+    // the sans-serif and typewriter faces keep their alphabet, upright unless the command chose a style.
+    if (style.mathProps->script == OScript::roman) {
+        style.mathProps->normalText = true;
+        style.mathProps->style.reset();
+    } else if (!style.mathProps->style) {
         style.mathProps->style = OStyle::plain;
+    }
     return convertStyled(ast, style, *content);
 }
 
@@ -423,10 +437,12 @@ KOmmlNodeList box(KLatexAst2Omml& ast, const KLatexCommand& command)
     const KLatexNode* content = argumentNode(command.args, 0);
     if (!content)
         return {};
-    KOmmlNodeList converted = ast.convert(*content);
     const auto found = boxKinds().constFind(command.name);
     if (found == boxKinds().constEnd())
         return {};
+    // A box that is not a frame holds text: its words are normal text.
+    KOmmlNodeList converted = convertStyled(
+        ast, *found == KBoxKind::noBreak ? normalTextStyle(ast) : ast.currentStyle(), *content);
     if (*found == KBoxKind::border) {
         OBorderBox border;
         border.e = std::move(converted);
@@ -477,7 +493,13 @@ KOmmlNodeList modulo(KLatexAst2Omml& ast, const KLatexCommand& command)
     KOmmlNodeList result;
     for (const KModuloPiece& piece : found->pieces) {
         if (piece.text) {
-            result.push_back(ast.makeStyledRun(QString::fromUtf16(piece.text)));
+            const QString text = QString::fromUtf16(piece.text);
+            KOmmlNodePtr run = ast.makeStyledRun(text);
+            // The word "mod" is upright, as an operator name is.
+            auto* styled = ommlAs<ORun>(run.get());
+            if (styled && text.contains(QLatin1String("mod")) && !styled->mathProps.style)
+                styled->mathProps.style = OStyle::plain;
+            result.push_back(std::move(run));
             continue;
         }
         appendNodes(result, ast.convert(*operand));
@@ -521,9 +543,12 @@ KOmmlNodeList framedBox(KLatexAst2Omml& ast, const KLatexCommand& command)
         if (!framed)
             return ast.convert(*content);
     }
-    KOmmlNodeList converted = ast.convert(*content);
-    if (framed)
+    if (framed) {
+        KOmmlNodeList converted = ast.convert(*content);
         return makeOmmlList(makeOmmlNode(borderAround(std::move(converted), ast.currentStyle())));
+    }
+    // An unframed box holds text, as \mbox does.
+    KOmmlNodeList converted = convertStyled(ast, normalTextStyle(ast), *content);
     OBox plain;
     plain.e = std::move(converted);
     plain.ctrlPr = ast.currentStyle();

@@ -40,6 +40,9 @@ inline const QString kDefaultMathFont = QStringLiteral("Cambria Math");
 struct OMathRunProperties {
     OScript script = OScript::roman;
     std::optional<OStyle> style;
+    // m:nor: normal text (words inside a formula), set upright in the text font; such a run
+    // carries no script or style.
+    bool normalText = false;
 };
 
 // w:rPr

@@ -169,9 +169,9 @@ OMathRunProperties readMathRunProperties(const KXmlElement& element)
             props.script = scriptValue(child);
         else if (is(tag, "m:sty"))
             props.style = styleValue(child);
-        // Normal text, not math: set upright, as text is.
-        else if (is(tag, "m:nor") && flagValue(child) && !props.style)
-            props.style = OStyle::plain;
+        // Normal text, not math: words set upright in the text's own spacing.
+        else if (is(tag, "m:nor"))
+            props.normalText = flagValue(child);
     });
     return props;
 }

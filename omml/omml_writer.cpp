@@ -716,9 +716,14 @@ private:
     void mathRunProperties(const OMathRunProperties& props)
     {
         m_xml.writeStartElement(QStringLiteral("m:rPr"));
-        val(QStringLiteral("m:scr"), scriptText(props.script));
-        if (props.style)
-            val(QStringLiteral("m:sty"), styleText(*props.style));
+        if (props.normalText) {
+            // Normal text takes the place of the script and the style.
+            m_xml.writeEmptyElement(QStringLiteral("m:nor"));
+        } else {
+            val(QStringLiteral("m:scr"), scriptText(props.script));
+            if (props.style)
+                val(QStringLiteral("m:sty"), styleText(*props.style));
+        }
         m_xml.writeEndElement();
     }
 

@@ -73,7 +73,8 @@ bool isNameText(const QString& text)
 bool runIsStyled(const ORun& run)
 {
     const OWordRunProperties& word = run.wordProps;
-    return run.mathProps.style.has_value() || !word.asciiFont.isEmpty() || word.italic || word.bold ||
+    return run.mathProps.style.has_value() || run.mathProps.normalText || !word.asciiFont.isEmpty() ||
+           word.italic || word.bold ||
            word.color.has_value();
 }
 
@@ -675,7 +676,7 @@ bool sameRunProperties(const ORun& a, const ORun& b)
     const OWordRunProperties& x = a.wordProps;
     const OWordRunProperties& y = b.wordProps;
     return a.mathProps.script == b.mathProps.script && a.mathProps.style == b.mathProps.style &&
-           x.asciiFont == y.asciiFont && x.italic == y.italic && x.bold == y.bold && x.color == y.color;
+           a.mathProps.normalText == b.mathProps.normalText && x.asciiFont == y.asciiFont && x.italic == y.italic && x.bold == y.bold && x.color == y.color;
 }
 
 } // namespace

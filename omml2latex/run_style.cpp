@@ -70,6 +70,8 @@ bool isOpaqueBlack(const QColor& colour)
 
 QString fontCommand(const OMathRunProperties* mathProps, const OWordRunProperties& wordProps)
 {
+    if (mathProps && mathProps->normalText && !wordProps.bold && !wordProps.italic)
+        return QStringLiteral("text");
     if (wordProps.bold)
         return QStringLiteral("textbf");
     if (wordProps.italic)

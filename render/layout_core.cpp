@@ -48,6 +48,14 @@ KLetterShape letterShape(const KLayoutContext& context, const ORun& run, char32_
     return KLetterShape::upright;
 }
 
+// The shape of normal text: upright unless the word properties ask for bold or italic.
+KLetterShape textShape(const OWordRunProperties& word)
+{
+    if (word.bold)
+        return word.italic ? KLetterShape::boldItalic : KLetterShape::bold;
+    return word.italic ? KLetterShape::italic : KLetterShape::upright;
+}
+
 // A glyph node for one character at `size`; a character no math font has is drawn from the
 // text font, measured by its metrics.
 std::unique_ptr<KTypoGlyph> characterGlyph(const KLayoutContext& context, char32_t character, double size)
@@ -79,11 +87,22 @@ KAtomList layoutRun(const KLayoutContext& context, const ORun& run)
     KAtomList atoms;
     const QString colour = run.wordProps.color ? run.wordProps.color->name() : QString();
     const OScript script = run.mathProps.script;
+    const bool normalText = run.mathProps.normalText;
     for (const uint code : run.text.toUcs4()) {
-        const char32_t c = mathCharacter(code);
+        // Normal text keeps its characters as typed and puts no math spaces between them.
+        const char32_t c = normalText ? code : mathCharacter(code);
         KAtom atom;
-        atom.left = atom.right = characterClass(c);
-        if (isPrime(c)) {
+        atom.left = atom.right = normalText ? KAtomClass::ord : characterClass(c);
+        if (normalText) {
+            const KLetterShape shape = textShape(run.wordProps);
+            char32_t drawn = isMathLetter(c) ? mathAlphanumeric(c, OScript::roman, shape) : c;
+            if (!KMathFont::instance().glyph(drawn).valid())
+                drawn = c;
+            auto glyph = characterGlyph(context, drawn, context.size);
+            glyph->italic = shape == KLetterShape::italic || shape == KLetterShape::boldItalic ? 1 : 0;
+            glyph->bold = shape == KLetterShape::bold || shape == KLetterShape::boldItalic ? 1 : 0;
+            atom.node = std::move(glyph);
+        } else if (isPrime(c)) {
             // The font's prime already stands at a superscript's height and size.
             atom.node = characterGlyph(context, c, context.size);
             atom.left = atom.right = KAtomClass::ord;

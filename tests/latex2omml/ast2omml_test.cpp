@@ -74,7 +74,7 @@ TEST(ConverterCore, TreesTextCannotReach)
     EXPECT_EQ(convertTree(command("tiny", braced("x"), arg(nullptr), arg(command("beta")))),
               r("x") + r(QStringLiteral("\u03B2")));
     EXPECT_EQ(convertTree(command("operatorname", arg(nullptr))), kNone);
-    EXPECT_EQ(convertTree(command("operatorname", braced("rank"), braced("x"))), r("rank"));
+    EXPECT_EQ(convertTree(command("operatorname", braced("rank"), braced("x"))), rp("rank"));
 }
 
 TEST(ConverterCore, ConvertingDoesNotChangeTheTree)

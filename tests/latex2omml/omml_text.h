@@ -36,12 +36,23 @@ struct Look {
     bool bold = false;
     QString colour;
     bool math = true;
+    bool nor = false; // normal text: m:nor in place of the script and style
 };
 
 inline Look sty(const char* style, bool italic = false, bool bold = false)
 {
     Look look;
     look.sty = QString::fromUtf8(style);
+    look.italic = italic;
+    look.bold = bold;
+    return look;
+}
+
+// Normal text, as the text fonts write it.
+inline Look nor(bool italic = false, bool bold = false)
+{
+    Look look;
+    look.nor = true;
     look.italic = italic;
     look.bold = bold;
     return look;
@@ -75,10 +86,10 @@ inline QString val(const QString& element, const QString& value)
 
 inline QString properties(const Look& look)
 {
-    const QString math = look.math
-                             ? wrap("m:rPr", val("m:scr", look.scr) +
-                                                 (look.sty.isEmpty() ? QString() : val("m:sty", look.sty)))
-                             : QString();
+    const QString scriptAndStyle =
+        look.nor ? QStringLiteral("<m:nor/>")
+                 : val("m:scr", look.scr) + (look.sty.isEmpty() ? QString() : val("m:sty", look.sty));
+    const QString math = look.math ? wrap("m:rPr", scriptAndStyle) : QString();
     QString word = kFonts;
     if (look.italic)
         word += QStringLiteral("<w:i/>");

@@ -7,6 +7,13 @@ namespace {
 const QString x = r("x");
 const Look bold = sty("b"), red = colour("ff0000"), black = colour("000000");
 
+Look sansSerifUpright()
+{
+    Look look = scr("sans-serif");
+    look.sty = "p";
+    return look;
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Fonts, LatexToOmml,
     ::testing::Values(
@@ -18,15 +25,19 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathbb{\\mathbf{R}}", r("R", bold)}, LatexCase{"\\mathbf{a}b", r("a", bold) + r("b")},
         LatexCase{"\\mathbf", ""}, LatexCase{"\\mathop{lim} x y", func(r("lim", sty("p")), x) + r("y")},
         LatexCase{"\\mathbf{\\mathop{f}x}", func(r("f", sty("p")), r("x", bold), ctrlOf(bold))},
-        LatexCase{"\\text{if}x", r("if", sty("p")) + r("x")}, LatexCase{"\\textbf{a}", r("a", sty("b", false, true))},
-        LatexCase{"\\textit{a}\\emph{b}c", r("ab", sty("i", true)) + r("c")},
-        LatexCase{"\\textrm{a}\\textnormal{b}\\textup{c}\\textmd{d}\\textsl{e}\\textsc{f}", r("abcdef", sty("p"))},
-        LatexCase{"\\mathbf{\\text{a}}", r("a", bold)}, LatexCase{"\\mathbb{\\textbf{a}}", [] {
-                                                                      Look look = scr("double-struck");
-                                                                      look.sty = "b";
-                                                                      look.bold = true;
-                                                                      return r("a", look);
-                                                                  }()}));
+        LatexCase{"\\text{if}x", r("if", nor()) + r("x")},
+        LatexCase{"\\textbf{a}", r("a", nor(false, true))},
+        LatexCase{"\\textit{a}\\emph{b}c", r("ab", nor(true)) + r("c")},
+        LatexCase{"\\textrm{a}\\textnormal{b}\\textup{c}\\textmd{d}\\textsl{e}\\textsc{f}",
+                  r("abcdef", nor())},
+        LatexCase{"\\mathbf{\\text{a}}", r("a", nor())}, LatexCase{"\\mbox{a b}", box(r("a b", nor()))},
+        LatexCase{"\\textsf{a}", r("a", sansSerifUpright())},
+        LatexCase{"\\mathbb{\\textbf{a}}", [] {
+            Look look = scr("double-struck");
+            look.sty = "b";
+            look.bold = true;
+            return r("a", look);
+        }()}));
 
 // Names sharing a row of the alphabet table convert alike (some only reach the
 // converter as trees, because the parser does not know them).
@@ -69,12 +80,13 @@ INSTANTIATE_TEST_SUITE_P(
     BoxesAndModulo, LatexToOmml,
     ::testing::Values(
         LatexCase{"\\fbox{x}\\boxed{y}", frame(x) + frame(r("y"))},
-        LatexCase{"\\mbox{a}\\hbox{b}\\vbox{}", box(r("a")) + box(r("b")) + box("")},
+        LatexCase{"\\mbox{a}\\hbox{b}\\vbox{}", box(r("a", nor())) + box(r("b", nor())) + box("")},
         LatexCase{"\\mathsf{\\fbox{x}}", frame(r("x", scr("sans-serif")), ctrlOf(scr("sans-serif")))},
-        LatexCase{"a \\pmod{n}", r(QStringLiteral("a\u2005(mod\u2009n)\u2009"))},
-        LatexCase{"a\\bmod b", r(QStringLiteral("a\u2005mod\u2005b"))},
-        LatexCase{"\\mod{\\frac{a}{b}}", r(QStringLiteral("\u2005mod\u2009")) + frac(r("a"), r("b")) +
-                                             r(QStringLiteral("\u2009"))}));
+        LatexCase{"a \\pmod{n}",
+                  r(QStringLiteral("a\u2005")) + rp(QStringLiteral("(mod\u2009")) + r(QStringLiteral("n)\u2009"))},
+        LatexCase{"a\\bmod b", r(QStringLiteral("a\u2005")) + rp("mod") + r(QStringLiteral("\u2005b"))},
+        LatexCase{"\\mod{\\frac{a}{b}}", r(QStringLiteral("\u2005")) + rp(QStringLiteral("mod\u2009")) +
+                                             frac(r("a"), r("b")) + r(QStringLiteral("\u2009"))}));
 
 // Explicit spaces: the dimension, read as em after unit conversion, picks the character.
 INSTANTIATE_TEST_SUITE_P(Spaces, LatexToOmml,
@@ -98,7 +110,8 @@ TEST(TextStyle, SpaceAndModuloArgumentsTextCannotGive)
 {
     EXPECT_EQ(convertTree(command("hspace", arg(text("0.5")))), r(QStringLiteral("\u2002")));
     EXPECT_EQ(convertTree(command("hspace", arg(command("alpha")))), "");
-    EXPECT_EQ(convertTree(group(command("bmod", braced("n")))), r(QStringLiteral("\u2005mod\u2005")));
+    EXPECT_EQ(convertTree(group(command("bmod", braced("n")))),
+              r(QStringLiteral("\u2005")) + rp("mod") + r(QStringLiteral("\u2005")));
 }
 
 } // namespace

@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     StylesAndMarks, LatexToOmml,
     ::testing::Values(LatexCase{"\\bm{x}", r("x", sty("bi"))}, LatexCase{"\\mathbf{\\mathnormal{x}}", x},
-                      LatexCase{"\\framebox{x}", frame(x)}, LatexCase{"\\makebox{x}", box(x)},
+                      LatexCase{"\\framebox{x}", frame(x)}, LatexCase{"\\makebox{x}", box(r("x", nor()))},
                       LatexCase{"\\bbox[red]{x}", x}, LatexCase{"\\bbox[border:1px]{x}", frame(x)},
                       LatexCase{"\\tag{1.2}", u("(1.2)")}, LatexCase{"x\\eqref{a}\\ref{b}", x + u("(a)b")},
                       LatexCase{"x\\label{a}\\nonumber\\notag\\allowbreak\\nobreak", x}));
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"\\genfrac(){}ab", kNone},
                       LatexCase{"\\unitfrac[3]{m}{s}", r("3") + frac(r("m"), r("s"), "skw")},
                       LatexCase{"\\fcolorbox{red}{blue}{x}", frame(x)},
-                      LatexCase{"\\framebox[2cm][l]{x}", frame(x)}, LatexCase{"\\makebox[2cm]{x}", box(x)},
+                      LatexCase{"\\framebox[2cm][l]{x}", frame(x)}, LatexCase{"\\makebox[2cm]{x}", box(r("x", nor()))},
                       LatexCase{"\\multicolumn{2}{c}{x}", x},
                       LatexCase{"\\definecolor{a}{rgb}{1,0,0}", kNone}));
 

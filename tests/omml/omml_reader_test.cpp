@@ -223,6 +223,22 @@ TEST(OmmlReader, WordRunProperties)
     EXPECT_EQ(ommlAs<ORun>(red.get())->wordProps.color, QColor(255, 0, 0, 255)); // opaque
 }
 
+TEST(OmmlReader, NormalTextRuns)
+{
+    // m:nor without a value is on, as word processors write it; normal text drops the script and style.
+    const std::pair<QString, QString> cases[] = {
+        {"<m:nor/>", "<m:nor/>"},
+        {"<m:nor m:val=\"on\"/>", "<m:nor/>"},
+        {"<m:sty m:val=\"p\"/><m:nor/>", "<m:nor/>"},
+        {"<m:nor m:val=\"off\"/>", "<m:scr m:val=\"roman\"/>"},
+        {"<m:nor m:val=\"0\"/><m:sty m:val=\"b\"/>", "<m:scr m:val=\"roman\"/><m:sty m:val=\"b\"/>"},
+    };
+    for (const auto& [inner, expected] : cases)
+        EXPECT_EQ(readDump("<m:r><m:rPr>" + inner + "</m:rPr><m:t>x</m:t></m:r>"),
+                  "<m:r><m:rPr>" + expected + "</m:rPr><w:rPr>" + kFonts + "</w:rPr><m:t>x</m:t></m:r>")
+            << inner.toStdString();
+}
+
 TEST(OmmlReader, WordProcessorShapedDocument)
 {
     // Indented, commented, with declarations, xml:space and properties the model does not keep.

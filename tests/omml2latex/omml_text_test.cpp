@@ -198,6 +198,8 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {sr("", "<w:i/>"), "\\textit{x}"},
         {sr(p, "<w:b/>"), "\\textbf{x}"},
         {sr(p, ""), "\\mathrm{x}"},
+        {sr("<m:nor/>", ""), "\\text{x}"},
+        {sr("<m:nor/>", "<w:b/>"), "\\textbf{x}"},
         {sr(v("sty", "b"), ""), "\\mathbf{x}"},
         {sr(v("sty", "i"), ""), "\\mathit{x}"},
         {sr(v("sty", "bi"), ""), "\\boldsymbol{x}"},

@@ -87,6 +87,12 @@ TEST(RunLayout, LettersTakeTheShapeOfTheirKindOfRun)
         {"-", U'\u2212', 0},
         {"\\mathsf{A}", U'\U0001D5A0', 0},
         {"\\mathtt{A}", U'\U0001D670', 0},
+        {"\\text{if}", U'i', 0},
+        {"\\textbf{a}", U'\U0001D41A', 0},
+        {"\\textit{a}", U'\U0001D44E', 1},
+        {"\\operatorname{arg\\,max}", U'a', 0},
+        {"\\Beta", U'B', 0},
+        {"a \\bmod b", U'\U0001D44E', 1},
     };
     for (const Case& c : cases) {
         const auto glyphs = glyphsOf(c.latex, 10);
@@ -102,6 +108,16 @@ TEST(RunLayout, LettersTakeTheShapeOfTheirKindOfRun)
     ASSERT_EQ(glyphs.size(), 2u);
     EXPECT_EQ(glyphs[0].glyph->italic, 1);
     EXPECT_EQ(glyphs[1].glyph->italic, 0);
+    // Normal text keeps its hyphen and puts no math spaces between its characters.
+    const auto words = glyphsOf("\\text{a-b, c}", 10);
+    ASSERT_EQ(words.size(), 6u);
+    EXPECT_EQ(words[1].glyph->text, QStringLiteral("-"));
+    for (size_t i = 1; i < words.size(); ++i)
+        EXPECT_NEAR(words[i].x, words[i - 1].x + words[i - 1].glyph->width, 1e-9) << i;
+    int uprightM = 0;
+    for (const Placed& placed : glyphsOf("a \\bmod b", 10))
+        uprightM += placed.glyph->text == QStringLiteral("m") && placed.glyph->italic == 0;
+    EXPECT_EQ(uprightM, 1);
     EXPECT_EQ(mathAlphanumeric(U'7', OScript::doubleStruck, KLetterShape::upright), U'\U0001D7DF');
     EXPECT_EQ(mathAlphanumeric(U'!', OScript::fraktur, KLetterShape::bold), U'!');
     EXPECT_EQ(mathAlphanumeric(U'\u2202', OScript::roman, KLetterShape::italic), U'\U0001D715');
