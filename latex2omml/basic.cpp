@@ -15,8 +15,8 @@ KOmmlNodeList symbol(KLatexAst2Omml& converter, const KLatexCommand& command)
     // Capital Greek letters written with the Latin letter of the same shape stand upright, as
     // the other capital Greek letters do, unless a style says otherwise.
     auto* styled = ommlAs<ORun>(run.get());
-    const bool latinLetter = entry->text.size() == 1 && entry->text.at(0).unicode() < 0x80 &&
-                             entry->text.at(0).isLetter();
+    const bool latinLetter =
+        entry->text.size() == 1 && entry->text.at(0).unicode() < 0x80 && entry->text.at(0).isLetter();
     if (styled && latinLetter && !styled->mathProps.style)
         styled->mathProps.style = OStyle::plain;
     return makeOmmlList(std::move(run));

@@ -441,8 +441,8 @@ KOmmlNodeList box(KLatexAst2Omml& ast, const KLatexCommand& command)
     if (found == boxKinds().constEnd())
         return {};
     // A box that is not a frame holds text: its words are normal text.
-    KOmmlNodeList converted = convertStyled(
-        ast, *found == KBoxKind::noBreak ? normalTextStyle(ast) : ast.currentStyle(), *content);
+    KOmmlNodeList converted =
+        convertStyled(ast, *found == KBoxKind::noBreak ? normalTextStyle(ast) : ast.currentStyle(), *content);
     if (*found == KBoxKind::border) {
         OBorderBox border;
         border.e = std::move(converted);
