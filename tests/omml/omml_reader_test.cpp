@@ -135,10 +135,9 @@ TEST(OmmlReader, SeparatorsAndPhantomFlags)
         {"<m:phant><m:phantPr><m:show m:val=\"false\"/><m:zeroAsc m:val=\"1\"/><m:zeroDesc m:val=\"true\"/>"
          "<m:transp m:val=\"0\"/></m:phantPr></m:phant>",
          kind("phant", "<m:show m:val=\"off\"/><m:zeroAsc" + on + "<m:zeroDesc" + on + kCtrl, "<m:e/>")},
-        // Normal text is set upright.
+        // Normal text stays normal text.
         {"<m:r><m:rPr><m:nor/></m:rPr><m:t>if</m:t></m:r>",
-         "<m:r><m:rPr><m:scr m:val=\"roman\"/><m:sty m:val=\"p\"/></m:rPr><w:rPr>" + kFonts +
-             "</w:rPr><m:t>if</m:t></m:r>"},
+         "<m:r><m:rPr><m:nor/></m:rPr><w:rPr>" + kFonts + "</w:rPr><m:t>if</m:t></m:r>"},
         {"<m:r><m:rPr><m:nor m:val=\"off\"/></m:rPr><m:t>if</m:t></m:r>", runXml("if")},
     };
     for (const auto& [xml, expected] : cases)

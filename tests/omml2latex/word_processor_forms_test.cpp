@@ -139,6 +139,6 @@ INSTANTIATE_TEST_SUITE_P(
                  "\\underbrace{a}_k"},
         FormCase{"normal text",
                  r("x") + "<m:r><m:rPr><m:nor/></m:rPr><w:rPr>" + kFonts + "</w:rPr><m:t>if</m:t></m:r>",
-                 "x\\mathrm{if}"}));
+                 "x\\text{if}"}));
 
 } // namespace
