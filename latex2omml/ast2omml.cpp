@@ -406,26 +406,15 @@ QString fenceFor(const QString& token)
 
 // The fence of a \middle, or nothing when the node is not a \middle with a
 // delimiter for its argument.
-std::optional<QString> middleFence(const KLatexNode* node)
+std::optional<QString> separatorOf(const KLatexNode* node)
 {
     const auto* command = latexAs<KLatexCommand>(node);
     if (!command || command->name != QLatin1String("middle"))
         return std::nullopt;
-    const KLatexNode* fence = argumentNode(command->args, 0);
-    while (const auto* group = latexAs<KLatexGroup>(fence)) {
-        if (group->children.size() != 1)
-            break;
-        fence = group->children.front().get();
-    }
-    QString token;
-    if (const auto* text = latexAs<KLatexText>(fence))
-        token = text->text;
-    else if (const auto* named = latexAs<KLatexCommand>(fence))
-        token = QLatin1Char('\\') + named->name;
-    const QString* character = lookupDelimiter(token);
-    if (!character)
+    const KMiddleFence fence = middleFence(*command);
+    if (!fence.character)
         return std::nullopt;
-    return *character;
+    return *fence.character;
 }
 
 } // namespace
@@ -448,7 +437,7 @@ KOmmlNodeList KLatexAst2Omml::convertLeftRight(const KLatexLeftRight& fence)
     bool oneSeparator = true;
     std::vector<std::vector<const KLatexNode*>> pieces(1);
     for (const KLatexNode* child : children) {
-        if (const std::optional<QString> middle = middleFence(child)) {
+        if (const std::optional<QString> middle = separatorOf(child)) {
             oneSeparator = oneSeparator && (!separator || *separator == *middle);
             separator = middle;
             pieces.emplace_back();

@@ -250,16 +250,8 @@ KOmmlNodeList labelledBrace(KLatexAst2Omml& ast, const KLatexScript& script)
         return {};
     const bool over = base->name.startsWith(QLatin1String("over"));
     KOmmlNodeList built = over ? overGroup(ast, *base) : underGroup(ast, *base);
-    if (built.size() != 1 || !ommlAs<OGroupChar>(built.front().get())) {
-        std::optional<KOmmlNodeList> sub;
-        std::optional<KOmmlNodeList> sup;
-        if (script.sub)
-            sub = ast.convert(*script.sub);
-        if (script.sup)
-            sup = ast.convert(*script.sup);
-        KOmmlNodePtr element = makeScriptElement(std::move(built), std::move(sub), std::move(sup));
-        return element ? makeOmmlList(std::move(element)) : KOmmlNodeList();
-    }
+    if (built.size() != 1 || !ommlAs<OGroupChar>(built.front().get()))
+        return built; // not a brace: nothing to label
     KOmmlNodePtr node = std::move(built.front());
     auto place = [&ast, &node](const KLatexNode* label, bool above) {
         if (!label)

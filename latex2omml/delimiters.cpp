@@ -528,26 +528,33 @@ KOmmlNodeList substack(KLatexAst2Omml& ast, const KLatexCommand& command)
     return makeOmmlList(makeOmmlNode(std::move(array)));
 }
 
-KOmmlNodeList middleDelimiter(KLatexAst2Omml& ast, const KLatexCommand& command)
+KMiddleFence middleFence(const KLatexCommand& command)
 {
-    // \middle| inside \left..\right: the fence character as a run of the body.
-    const KLatexNode* fence = argumentNode(command.args, 0);
-    if (!fence)
-        return {};
-    while (const auto* group = latexAs<KLatexGroup>(fence)) {
+    KMiddleFence fence{argumentNode(command.args, 0)};
+    while (const auto* group = latexAs<KLatexGroup>(fence.node)) {
         if (group->children.size() != 1)
             break;
-        fence = group->children.front().get();
+        fence.node = group->children.front().get();
     }
     QString token;
-    if (const auto* text = latexAs<KLatexText>(fence))
+    if (const auto* text = latexAs<KLatexText>(fence.node))
         token = text->text;
-    else if (const auto* named = latexAs<KLatexCommand>(fence))
+    else if (const auto* named = latexAs<KLatexCommand>(fence.node))
         token = QLatin1Char('\\') + named->name;
-    const QString* character = lookupDelimiter(token);
-    if (!character)
-        return ast.convert(*fence);
-    if (character->isEmpty())
+    fence.character = fence.node ? lookupDelimiter(token) : nullptr;
+    return fence;
+}
+
+KOmmlNodeList middleDelimiter(KLatexAst2Omml& ast, const KLatexCommand& command)
+{
+    // A \middle that is not a separator of its \left..\right (one of several
+    // different ones): the fence character as a run of the body.
+    const KMiddleFence fence = middleFence(command);
+    if (!fence.node)
         return {};
-    return makeOmmlList(ast.makeStyledRun(*character));
+    if (!fence.character)
+        return ast.convert(*fence.node);
+    if (fence.character->isEmpty())
+        return {};
+    return makeOmmlList(ast.makeStyledRun(*fence.character));
 }

@@ -44,6 +44,13 @@ KOmmlNodeList displayEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList unknownEnvironment(KLatexAst2Omml&, const KLatexEnv&);
 KOmmlNodeList substack(KLatexAst2Omml&, const KLatexCommand&);
 KOmmlNodeList middleDelimiter(KLatexAst2Omml&, const KLatexCommand&);
+// The argument of a \middle without the groups around it (null when there is none), and the
+// fence character the delimiter map gives it (null when the map does not know it).
+struct KMiddleFence {
+    const KLatexNode* node = nullptr;
+    const QString* character = nullptr;
+};
+KMiddleFence middleFence(const KLatexCommand& command);
 
 // Text, style and spacing (text_style.cpp)
 KOmmlNodeList mathFont(KLatexAst2Omml&, const KLatexCommand&);
