@@ -204,10 +204,18 @@ OControlProperties readControlProperties(const KXmlElement& element)
 {
     OControlProperties props;
     element.forEachChild([&](const KXmlElement& child, QStringView tag) {
-        if (is(tag, "w:rPr"))
+        if (is(tag, "w:rPr")) {
             props.wordProps = readWordRunProperties(child);
-        else if (is(tag, "m:rPr"))
+        } else if (is(tag, "m:rPr")) {
             props.mathProps = readMathRunProperties(child);
+        } else if (is(tag, "w:ins")) {
+            // A tracked change of formatting holds the properties now in force; those of
+            // a deleted control character (w:del) are gone.
+            child.forEachChild([&](const KXmlElement& inserted, QStringView insertedTag) {
+                if (is(insertedTag, "w:rPr"))
+                    props.wordProps = readWordRunProperties(inserted);
+            });
+        }
     });
     return props;
 }

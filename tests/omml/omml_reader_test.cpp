@@ -135,6 +135,15 @@ TEST(OmmlReader, SeparatorsAndPhantomFlags)
         {"<m:phant><m:phantPr><m:show m:val=\"false\"/><m:zeroAsc m:val=\"1\"/><m:zeroDesc m:val=\"true\"/>"
          "<m:transp m:val=\"0\"/></m:phantPr></m:phant>",
          kind("phant", "<m:show m:val=\"off\"/><m:zeroAsc" + on + "<m:zeroDesc" + on + kCtrl, "<m:e/>")},
+        // Control properties inside a tracked insertion are in force, deleted ones are not.
+        {"<m:sSup><m:sSupPr><m:ctrlPr><w:ins w:id=\"1\" w:author=\"Reviewer\" "
+         "w:date=\"2024-01-01T00:00:00Z\">"
+         "<w:rPr><w:b/></w:rPr></w:ins></m:ctrlPr></m:sSupPr></m:sSup>",
+         kind("sSup", "<m:ctrlPr><w:rPr>" + kFonts + "<w:b/></w:rPr></m:ctrlPr>", "<m:e/><m:sup/>")},
+        {"<m:sSup><m:sSupPr><m:ctrlPr><w:del w:id=\"1\" w:author=\"Reviewer\" "
+         "w:date=\"2024-01-01T00:00:00Z\">"
+         "<w:rPr><w:b/></w:rPr></w:del></m:ctrlPr></m:sSupPr></m:sSup>",
+         kind("sSup", kCtrl, "<m:e/><m:sup/>")},
         // Normal text stays normal text.
         {"<m:r><m:rPr><m:nor/></m:rPr><m:t>if</m:t></m:r>",
          "<m:r><m:rPr><m:nor/></m:rPr><w:rPr>" + kFonts + "</w:rPr><m:t>if</m:t></m:r>"},
