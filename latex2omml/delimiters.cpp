@@ -296,8 +296,12 @@ OEquationArray equationLines(KLatexAst2Omml& ast, const KLatexNodeList& body)
     OEquationArray lines;
     for (auto& row : buildRows(ast, body)) {
         KOmmlNodeList line;
-        for (auto& cell : row)
-            appendNodes(line, std::move(cell));
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            // The cells meet at an alignment point, which an equation array marks with `&`.
+            if (i > 0)
+                line.push_back(ast.makeStyledRun(QStringLiteral("&")));
+            appendNodes(line, std::move(row[i]));
+        }
         lines.rows.push_back(std::move(line));
     }
     lines.ctrlPr = ast.currentStyle();
@@ -325,6 +329,11 @@ OEquationArray textColumnLines(KLatexAst2Omml& ast, const KLatexNodeList& body)
         }
         for (std::size_t i = 0; i < row->cells.size(); ++i) {
             const KLatexNode* cell = row->cells[i].get();
+            if (i > 0) {
+                ast.pushStyle(math);
+                line.push_back(ast.makeStyledRun(QStringLiteral("&")));
+                ast.popStyle();
+            }
             if (!cell)
                 continue;
             if (i == 0) {

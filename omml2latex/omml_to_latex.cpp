@@ -570,6 +570,45 @@ private:
         return makeGroup(std::move(pieces));
     }
 
+    // The cells of an equation array row: the row cut at the `&` alignment points of its runs.
+    KLatexNodeList alignedCells(const KOmmlNodeList& row)
+    {
+        const bool marked = std::any_of(row.begin(), row.end(), [](const KOmmlNodePtr& node) {
+            const auto* run = ommlAs<ORun>(node.get());
+            return run && run->text.contains(QLatin1Char('&'));
+        });
+        KLatexNodeList cells;
+        if (!marked) {
+            cells.push_back(list(row));
+            return cells;
+        }
+        KLatexNodeList cell;
+        auto finish = [&] {
+            cells.push_back(cell.size() == 1 ? std::move(cell.front()) : makeGroup(std::move(cell)));
+            cell.clear();
+        };
+        for (const KOmmlNodePtr& node : row) {
+            const auto* run = ommlAs<ORun>(node.get());
+            if (!run || !run->text.contains(QLatin1Char('&'))) {
+                if (KLatexNodePtr converted = m_converter.convert(node.get()))
+                    cell.push_back(std::move(converted));
+                continue;
+            }
+            const QStringList pieces = run->text.split(QLatin1Char('&'));
+            for (int i = 0; i < pieces.size(); ++i) {
+                if (i > 0)
+                    finish();
+                if (pieces[i].isEmpty())
+                    continue;
+                const KOmmlNodePtr piece = makeOmmlNode(ORun{pieces[i], run->mathProps, run->wordProps});
+                if (KLatexNodePtr converted = m_converter.convert(piece.get()))
+                    cell.push_back(std::move(converted));
+            }
+        }
+        finish();
+        return cells;
+    }
+
     // The rows of an equation array, one cell each, as the environment `name`;
     // a single row stands alone.
     KLatexNodePtr lines(const OEquationArray& array, const QString& name)
@@ -577,11 +616,8 @@ private:
         if (array.rows.empty())
             return nullptr;
         KLatexNodeList rows;
-        for (const KOmmlNodeList& row : array.rows) {
-            KLatexNodeList cells;
-            cells.push_back(list(row));
-            rows.push_back(makeRow(std::move(cells)));
-        }
+        for (const KOmmlNodeList& row : array.rows)
+            rows.push_back(makeRow(alignedCells(row)));
         if (rows.size() == 1)
             return std::move(rows.front());
         return makeEnvironment(name, {}, std::move(rows));

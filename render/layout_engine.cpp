@@ -19,8 +19,12 @@ KAtomClass elementClass(const KOmmlNode& node)
 {
     if (std::holds_alternative<ONaryOperator>(node.value) || std::holds_alternative<OFunction>(node.value))
         return KAtomClass::op;
-    if (std::holds_alternative<ODelimiter>(node.value))
+    if (const auto* delimiter = std::get_if<ODelimiter>(&node.value)) {
+        // A fence of the \big family opens or closes as the fence alone would.
+        if (sizedFenceLevel(*delimiter) > 0 && delimiter->endChr.isEmpty() != delimiter->begChr.isEmpty())
+            return delimiter->endChr.isEmpty() ? KAtomClass::open : KAtomClass::close;
         return KAtomClass::inner;
+    }
     return KAtomClass::ord;
 }
 
@@ -242,6 +246,8 @@ KTypoNodePtr layoutElement(const KLayoutContext& context, const KOmmlNode& node)
         return nullptr;
     KLayoutContext inner = context;
     ++inner.depth;
+    // Only an equation array standing right inside a brace is the body of cases.
+    inner.casesLines = context.casesLines && std::holds_alternative<OEquationArray>(node.value);
     return std::visit(
         [&inner](const auto& element) -> KTypoNodePtr {
             using T = std::decay_t<decltype(element)>;

@@ -24,6 +24,7 @@ struct KLayoutContext {
     KMathStyle style = KMathStyle::display;
     bool cramped = false; // superscripts are raised less (denominators, subscripts, radicands)
     bool upright = false; // letters stay upright (function names)
+    bool casesLines = false; // an equation array met here is the body of a brace (cases)
 };
 
 // Main-line context at `size` points, in display style.
@@ -85,6 +86,11 @@ std::unique_ptr<KTypoGlyph> mathGlyphNode(const KLayoutContext& context, KMathGl
 // forms that is tall enough, else its assembly of pieces, else the largest form. The box keeps
 // the ink's height and depth around the baseline.
 KTypoNodePtr verticalGlyph(const KLayoutContext& context, char32_t character, double height);
+// The character grown sideways to cover `width` points: the first larger form that is wide
+// enough, else its assembly. With `notWider` (wide accents): the widest form not wider than
+// `width`, and the assembly only when every form is narrower.
+KTypoNodePtr horizontalGlyph(const KLayoutContext& context, char32_t character, double width,
+                             bool notWider = false);
 
 // Nesting deeper than this lays out to nothing instead of exhausting the stack.
 inline constexpr int kMaxLayoutDepth = 512;
@@ -106,8 +112,18 @@ KTypoNodePtr layoutBox(const KLayoutContext& context, const OBox& box);
 // A phantom (layout_decorations.cpp): its content's box, less what the zero flags take
 // away; a hidden one draws nothing in it.
 KTypoNodePtr layoutPhantom(const KLayoutContext& context, const OPhantom& phantom);
+// The struts that size the \big family: a hidden phantom of no width holding a bar (\big, 1) or
+// spaces stacked in one to three fractions without bar (\Big to \Bigg, 2 to 4); 0 otherwise.
+int strutLevel(const OPhantom& phantom);
+// The size of a delimiter whose body is one such strut (a fence of the \big family), else 0.
+int sizedFenceLevel(const ODelimiter& delimiter);
 
 // Fences, decorations and tables (layout_fences.cpp, layout_decorations.cpp, layout_tables.cpp).
+// The least height plus depth of fences around content of that ascent and bottom, in points.
+double delimiterSize(const KLayoutContext& context, double ascent, double bottom);
+// A fence of at least `size` points centred on the math axis; a gap when `character` is 0
+// or no font has it.
+KTypoNodePtr fenceGlyph(const KLayoutContext& context, char32_t character, double size);
 KTypoNodePtr layoutDelimiter(const KLayoutContext& context, const ODelimiter& delimiter);
 KTypoNodePtr layoutAccent(const KLayoutContext& context, const OAccent& accent);
 KTypoNodePtr layoutBar(const KLayoutContext& context, const OBar& bar);

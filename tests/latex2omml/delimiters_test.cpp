@@ -27,7 +27,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\begin{array}{cc}a&b\\end{array}", matrix(centre2, {{a, b}})},
         LatexCase{"\\mathbf{\\begin{matrix}a\\end{matrix}}", matrix(centre, {{r("a", bold)}}, ctrlOf(bold))},
         LatexCase{"\\begin{cases} x & x>0 \\\\ -x & x\\le 0 \\end{cases}",
-                  d("{", "", eqArr({r("x") + r("x&gt;0"), r("-x") + r(QStringLiteral("x\u22640"))}))},
+                  d("{", "", eqArr({r("x") + r("&amp;") + r("x&gt;0"), r("-x") + r("&amp;") + r(QStringLiteral("x\u22640"))}))},
         LatexCase{"\\mathbf{\\begin{dcases}a\\end{dcases}}",
                   d("{", "", eqArr({r("a", bold)}, ctrlOf(bold)), ctrlOf(bold))},
         LatexCase{"\\begin{cases}\\end{cases}", d("{", "", eqArr({""}))},

@@ -1,8 +1,8 @@
-// Delimiters: fence heights, the gaps beside the body, fences without a shape,
-// and the placeholder drawn for an empty body.
+// Delimiters: fences grown from the font's forms to cover their body as TeX covers it,
+// the gap of a missing fence, separators, the \big sizes, and the placeholder drawn for
+// an empty body.
 
 #include "fence_table_support.h"
-#include "render/outlines.h"
 
 #include <gtest/gtest.h>
 
@@ -22,124 +22,139 @@ KTypoNodePtr layoutFence(const KLayoutContext& context, const QString& beg, cons
     return layoutElement(context, *makeOmmlNode(std::move(d)));
 }
 
-TEST(DelimiterFences, EncloseTheBodyWithAMarginAndAGapPerDrawnFence)
+// A fraction a over b, nested `depth` times in its numerator.
+KOmmlNodeList tower(int depth)
 {
-    // Width factors of the fence drawn on each side; 0 when none is drawn.
-    const struct {
-        QString beg;
-        QString end;
-        double begFactor;
-        double endFactor;
-    } cases[] = {{"(", ")", 0.15, 0.15},
-                 {"[", "]", 0.1, 0.1},
-                 {"{", "}", 0.12, 0.12},
-                 {"|", "|", 0.03, 0.03},
-                 {"\u2016", "\u2016", 0.2, 0.2},
-                 {"\u27E8", "\u27E9", 0.12, 0.12},
-                 {"\u230A", "", 0.1, 0},
-                 {"", "\u2309", 0, 0.1},
-                 {"", "", 0, 0},
-                 // U+27EA has no built shape: neither the fence nor its gap appears.
-                 {"\u27EA", ")", 0, 0.15},
-                 {"(x", "]]", 0.15, 0.1},
-                 {"\U0001D400", "\U0001D400", 0, 0}};
-    for (const auto& c : cases) {
-        for (const double size : {10.0, 40.0}) {
-            SCOPED_TRACE(qPrintable(c.beg + c.end + QString::number(size)));
-            const KLayoutContext context = makeLayoutContext(size);
-            const KTypoNodePtr node = layoutFence(context, c.beg, c.end, runs(QStringLiteral("x+1")));
-            ASSERT_TRUE(node);
-            const double u = 0.1 * size;
-            const double gap = 0.25 * size;
-            const double bodyWidth = runWidth(context, QStringLiteral("x+1"));
-            const double height = runHeight(context, QStringLiteral("x+1")) + 2 * u;
-            EXPECT_NEAR(node->height, height, kEps);
-            EXPECT_NEAR(node->ascent, u + runAscent(context, QStringLiteral("x+1")), kEps);
-            ASSERT_EQ(node->children.size(), (c.begFactor > 0) + (c.endFactor > 0) + 1u);
-            std::size_t index = 0;
-            double x = 0;
-            if (c.begFactor > 0) {
-                const KTypoNode& open = *node->children[index++];
-                EXPECT_EQ(open.kind, kTypoStroke);
-                EXPECT_NEAR(open.width, c.begFactor * height, kEps);
-                EXPECT_NEAR(open.height, height, kEps);
-                EXPECT_NEAR(open.penWidth, std::max(1.0, 0.04 * size), kEps);
-                EXPECT_EQ(open.strokeColor, QStringLiteral("#000000"));
-                const auto& path = static_cast<const KTypoStrokePath&>(open).path;
-                EXPECT_EQ(path, outlines::buildDelimiter(height, c.beg.at(0).unicode()).path);
-                x = open.width + gap;
-            }
-            const KTypoNode& body = *node->children[index++];
-            EXPECT_NEAR(body.x, x, kEps);
-            EXPECT_NEAR(body.y, u, kEps);
-            EXPECT_NEAR(body.width, bodyWidth, kEps);
-            x += bodyWidth;
-            if (c.endFactor > 0) {
-                const KTypoNode& close = *node->children[index++];
-                EXPECT_EQ(close.kind, kTypoStroke);
-                EXPECT_NEAR(close.x, x + gap, kEps);
-                EXPECT_NEAR(close.width, c.endFactor * height, kEps);
-                EXPECT_NEAR(close.height, height, kEps);
-                EXPECT_EQ(static_cast<const KTypoStrokePath&>(close).path,
-                          outlines::buildDelimiter(height, c.end.at(0).unicode()).path);
-                x += gap + close.width;
-            }
-            EXPECT_NEAR(node->width, x, kEps);
-        }
+    KOmmlNodeList list = runs("a");
+    for (int i = 0; i < depth; ++i) {
+        OFraction f;
+        f.num = std::move(list);
+        f.den = runs("b");
+        list = makeOmmlList(makeOmmlNode(std::move(f)));
     }
+    return list;
+}
+
+double axis(double size)
+{
+    return KMathFont::instance().constant(HB_OT_MATH_CONSTANT_AXIS_HEIGHT) * size;
+}
+
+// The least total height TeX lets a fence have around a body: 0.901 of twice its reach from
+// the axis, and at most half an em short of it.
+double required(double size, double ascent, double bottom)
+{
+    const double reach = std::max(ascent - axis(size), bottom + axis(size));
+    return std::max(2 * reach * 0.901, 2 * reach - 0.5 * size);
+}
+
+TEST(DelimiterFences, TheSmallestFormOfTheFontThatCoversTheBody)
+{
+    const double size = 10;
+    const KLayoutContext context = makeLayoutContext(size);
+    const KMathFont& font = KMathFont::instance();
+    const auto variants = font.variants(font.glyph(U'('), true);
+    ASSERT_GT(variants.size(), 2u);
+    for (int depth = 0; depth <= 4; ++depth) {
+        SCOPED_TRACE(depth);
+        const KTypoNodePtr body = layoutList(context, tower(depth));
+        const KTypoNodePtr node = layoutFence(context, "(", ")", tower(depth));
+        ASSERT_TRUE(node);
+        ASSERT_EQ(node->children.size(), 3u);
+        const KTypoNode& open = *node->children[0];
+        const double needed = required(size, body->ascent, body->bottom);
+        const double total = open.ascent + open.bottom;
+        // Centred on the axis.
+        EXPECT_NEAR((open.ascent - open.bottom) / 2, axis(size), 1e-9);
+        const KTypoGlyph* glyph = singleGlyph(open);
+        if (needed <= variants.back().second * size) {
+            // One form: the first of the font's steps that is tall enough, and no smaller one would do.
+            ASSERT_TRUE(glyph);
+            std::size_t step = 0;
+            while (variants[step].first.index != glyph->glyphIndex)
+                ++step;
+            EXPECT_GE(variants[step].second * size, needed);
+            if (step > 0) {
+                EXPECT_LT(variants[step - 1].second * size, needed);
+            }
+            EXPECT_GT(total, 0);
+        } else {
+            // Beyond the largest form: the assembly, at least as tall as required.
+            EXPECT_FALSE(glyph);
+            EXPECT_GE(total, needed - 1e-6);
+        }
+        // Opening, body and closing touch: no space between an opening, an ordinary atom and a closing.
+        EXPECT_NEAR(node->children[1]->x, open.width, kEps);
+        EXPECT_NEAR(node->children[2]->x, open.width + node->children[1]->width, kEps);
+    }
+}
+
+TEST(DelimiterFences, AMissingFenceLeavesTheNullDelimiterSpace)
+{
+    const double size = 10;
+    const KLayoutContext context = makeLayoutContext(size);
+    const KTypoNodePtr node = layoutFence(context, "", "|", runs("x"));
+    ASSERT_TRUE(node);
+    ASSERT_EQ(node->children.size(), 3u);
+    EXPECT_NEAR(node->children[0]->width, 0.12 * size, kEps);
+    EXPECT_TRUE(node->children[0]->children.empty());
+    EXPECT_NEAR(node->children[1]->x, 0.12 * size, kEps);
+}
+
+TEST(DelimiterFences, SeparatorsAreSizedLikeTheFences)
+{
+    const double size = 10;
+    const KLayoutContext context = makeLayoutContext(size);
+    ODelimiter d;
+    d.begChr = QStringLiteral("\u27E8");
+    d.endChr = QStringLiteral("\u27E9");
+    d.sepChr = QStringLiteral("|");
+    d.e = tower(2);
+    d.separated.push_back(runs("b"));
+    const KTypoNodePtr node = layoutElement(context, *makeOmmlNode(std::move(d)));
+    ASSERT_TRUE(node);
+    ASSERT_EQ(node->children.size(), 5u);
+    const KTypoNode& open = *node->children[0];
+    const KTypoNode& bar = *node->children[2];
+    EXPECT_NEAR(bar.ascent - bar.bottom, 2 * axis(size), 1e-9);
+    EXPECT_GE(bar.ascent + bar.bottom, required(size, node->children[1]->ascent, node->children[1]->bottom) - 1e-6);
+    EXPECT_LE(bar.ascent, open.ascent + 1e-6 + size);
+}
+
+TEST(DelimiterFences, TheBigFamilyGrowsInTeXsSteps)
+{
+    const double size = 10;
+    double previous = 0;
+    for (const char* latex : {"\\big(", "\\Big(", "\\bigg(", "\\Bigg("}) {
+        SCOPED_TRACE(latex);
+        const rendertest::Laid laid = rendertest::layoutLatex(latex, size);
+        ASSERT_TRUE(laid.node);
+        const KTypoNode& open = *laid.node->children.front();
+        const double total = open.ascent + open.bottom;
+        EXPECT_GT(total, previous);
+        previous = total;
+        // No null delimiter on the side the \big family leaves out.
+        EXPECT_NEAR(laid.node->width, open.width, kEps);
+    }
+    // \big covers 1.2 em less TeX's shortfall.
+    const rendertest::Laid big = rendertest::layoutLatex("\\big(", size);
+    const KTypoNode& open = *big.node->children.front();
+    EXPECT_GE(open.ascent + open.bottom, std::max(1.2 * size * 0.901, 1.2 * size - 0.5 * size) - 1e-6);
 }
 
 TEST(DelimiterPlaceholder, IsARectangleThreeSpacesWideInItsOwnColour)
 {
-    KOmmlNodeList (*const bodies[])() = {
-        [] { return KOmmlNodeList{}; }, [] { return makeOmmlList(KOmmlNodePtr()); },
-        [] { return runs(QString()); },
-        [] {
-            // A hidden phantom with every dimension taken away.
-            return makeOmmlList(makeOmmlNode(OPhantom{runs("x"), {}, false, true, true, true}));
-        }};
-    for (const auto body : bodies) {
-        for (const double size : {10.0, 50.0}) {
-            const KLayoutContext context = makeLayoutContext(size);
-            const KTypoNodePtr node = layoutFence(context, "(", ")", body());
-            ASSERT_TRUE(node);
-            ASSERT_EQ(node->children.size(), 4u); // opening, placeholder, body, closing
-            const double u = 0.1 * size;
-            const double spaces = 3 * context.metrics.horizontalAdvance(QLatin1Char(' '));
-            const double height = lineHeight(context) + 2 * u;
-            const KTypoNode& inner = *node->children[2];
-            EXPECT_TRUE(inner.children.empty());
-            EXPECT_NEAR(inner.width, spaces, kEps);
-            EXPECT_NEAR(inner.ascent, context.metrics.ascent(), kEps);
-            EXPECT_NEAR(inner.bottom, context.metrics.descent(), kEps);
-            const KTypoNode& placeholder = *node->children[1];
-            EXPECT_EQ(placeholder.kind, kTypoStroke);
-            EXPECT_EQ(placeholder.strokeColor, QStringLiteral("#1b1818"));
-            EXPECT_NEAR(placeholder.penWidth, std::max(0.5, 0.02 * size), kEps);
-            EXPECT_NEAR(placeholder.width, node->width, kEps);
-            EXPECT_NEAR(placeholder.height, height, kEps);
-            const QRectF rect = static_cast<const KTypoStrokePath&>(placeholder).path.boundingRect();
-            EXPECT_EQ(rect, QRectF(inner.x, u, spaces, lineHeight(context)));
-            EXPECT_NEAR(node->width, 2 * 0.15 * height + 2 * 0.25 * size + spaces, kEps);
-            EXPECT_EQ(node->children[0]->strokeColor, QStringLiteral("#000000"));
-        }
-    }
-}
-
-TEST(DelimiterLayout, TallBodyStretchesTheFences)
-{
-    const KLayoutContext context = makeLayoutContext(12);
-    OFraction f;
-    f.num = runs("a");
-    f.den = runs("b");
-    KOmmlNodeList body;
-    body.push_back(makeOmmlNode(std::move(f)));
-    const double fractionHeight = layoutList(context, body)->height;
-    const KTypoNodePtr node = layoutFence(context, "[", "]", std::move(body));
+    const double size = 20;
+    const KLayoutContext context = makeLayoutContext(size);
+    const KTypoNodePtr node = layoutFence(context, "(", ")", {});
     ASSERT_TRUE(node);
-    EXPECT_NEAR(node->children.front()->height, fractionHeight + 2 * 1.2, kEps);
-    EXPECT_NEAR(node->children.back()->height, fractionHeight + 2 * 1.2, kEps);
-    EXPECT_GT(fractionHeight, lineHeight(context));
+    ASSERT_EQ(node->children.size(), 3u);
+    const auto& slot = static_cast<const KTypoStrokePath&>(*node->children[1]);
+    EXPECT_EQ(slot.kind, kTypoStroke);
+    EXPECT_EQ(slot.strokeColor, QStringLiteral("#1b1818"));
+    EXPECT_NEAR(slot.width, 3 * context.metrics.horizontalAdvance(QLatin1Char(' ')), kEps);
+    EXPECT_NEAR(slot.penWidth, std::max(0.5, 0.02 * size), kEps);
+    EXPECT_EQ(slot.path.boundingRect(), QRectF(0, 0, slot.width, slot.height));
 }
 
 } // namespace

@@ -38,65 +38,46 @@ KTypoNodePtr layoutMatrixOf(const KLayoutContext& context, std::vector<OMatrixRo
     return layoutElement(context, *makeOmmlNode(std::move(m)));
 }
 
-TEST(MatrixLayout, TwoByTwoIsTwoPaddedColumnsAndOneGapWide)
+double axis(double size)
 {
-    const KLayoutContext context = makeLayoutContext(10);
-    const KTypoNodePtr node = layoutMatrixOf(context, rowsOf({{"a", "b"}, {"b", "a"}}));
-    ASSERT_TRUE(node);
-    const double cell = std::max(runWidth(context, "a"), runWidth(context, "b"));
-    EXPECT_NEAR(node->width, 2 * (cell + 3) + 3, kEps);
-    ASSERT_EQ(node->children.size(), 4u);
-
-    // Each row: 1 pt margin, a line, 1 pt margin; 2 pt between rows.
-    const double rowHeight = 1 + runHeight(context, "ab") + 1;
-    const double total = 2 * rowHeight + 2;
-    EXPECT_NEAR(node->height, total, kEps);
-    EXPECT_NEAR(node->ascent, total / 2 + 2.5, kEps);
-    // Cells share their row's baseline: the shorter letter starts lower.
-    EXPECT_NEAR(node->children[0]->y, 1 + runAscent(context, "ab") - runAscent(context, "a"), kEps);
-    EXPECT_NEAR(node->children[2]->y, rowHeight + 2 + 1 + runAscent(context, "ab") - runAscent(context, "b"),
-                kEps);
+    return KMathFont::instance().constant(HB_OT_MATH_CONSTANT_AXIS_HEIGHT) * size;
 }
 
-TEST(MatrixLayout, ColumnsTakeTheirWidestCellAndTheirJustification)
-{
-    const double size = 20;
-    const KLayoutContext context = makeLayoutContext(size);
-    const double pad = 3;
-    const double gap = 6;
-    // Column three has no description: it is centred.
-    const KTypoNodePtr node =
-        layoutMatrixOf(context, rowsOf({{"x", "y", "z"}, {"wide+1", "wider+22", "widest+333"}}),
-                       {OColumnJustification::left, OColumnJustification::right});
-    ASSERT_TRUE(node);
-    const double c1 = runWidth(context, "wide+1");
-    const double c2 = runWidth(context, "wider+22");
-    const double c3 = runWidth(context, "widest+333");
-    EXPECT_NEAR(node->width, c1 + c2 + c3 + 6 * pad + 2 * gap, kEps);
-
-    ASSERT_EQ(node->children.size(), 6u);
-    const double slot2 = c1 + 2 * pad + gap;
-    const double slot3 = slot2 + c2 + 2 * pad + gap;
-    EXPECT_NEAR(node->children[0]->x, pad, kEps);                                                 // left
-    EXPECT_NEAR(node->children[1]->x, slot2 + c2 + pad - runWidth(context, "y"), kEps);           // right
-    EXPECT_NEAR(node->children[2]->x, slot3 + (c3 + 2 * pad - runWidth(context, "z")) / 2, kEps); // centre
-    EXPECT_NEAR(node->children[3]->x, pad, kEps);
-    EXPECT_NEAR(node->children[4]->x, slot2 + pad, kEps);
-    EXPECT_NEAR(node->children[5]->x, slot3 + pad, kEps);
-}
-
-TEST(MatrixLayout, EmptyRowTakesTheRoomOfALine)
+TEST(MatrixLayout, ColumnsAnEmApartJustifiedAsTheOmmlSays)
 {
     const double size = 10;
     const KLayoutContext context = makeLayoutContext(size);
-    const KTypoNodePtr node = layoutMatrixOf(context, rowsOf({{"a"}, {""}, {"a"}}));
+    using J = OColumnJustification;
+    const KTypoNodePtr node = layoutMatrixOf(context, rowsOf({{"a", "bbb", "c"}, {"dddd", "e", "ff"}}),
+                                             {J::left, J::center, J::right});
     ASSERT_TRUE(node);
-    const double full = 2 + runHeight(context, "a");
-    const double empty = 2 + 0.7 * size + 0.3 * size;
-    EXPECT_NEAR(node->height, 2 * full + empty + 2 * 2, kEps);
-    // The empty cell's baseline: its row top, the margin and the assumed ascent.
-    EXPECT_NEAR(node->children[1]->y, full + 2 + 1 + 7, kEps);
-    EXPECT_NEAR(node->children[2]->y, full + 2 + empty + 2 + 1, kEps);
+    ASSERT_EQ(node->children.size(), 6u);
+    const double c1 = runWidth(context, "dddd");
+    const double c2 = runWidth(context, "bbb");
+    const double c3 = runWidth(context, "ff");
+    const double gap = 1.0 * size;
+    EXPECT_NEAR(node->width, c1 + c2 + c3 + 2 * gap, kEps);
+    EXPECT_NEAR(node->children[0]->x, 0, kEps);                                     // left
+    EXPECT_NEAR(node->children[1]->x, c1 + gap, kEps);                              // widest of its column
+    EXPECT_NEAR(node->children[4]->x, c1 + gap + (c2 - runWidth(context, "e")) / 2, kEps); // centred
+    EXPECT_NEAR(node->children[2]->x, c1 + c2 + 2 * gap + c3 - runWidth(context, "c"), kEps); // right
+    EXPECT_NEAR(node->children[5]->x, c1 + c2 + 2 * gap, kEps);
+}
+
+TEST(MatrixLayout, RowsStandOnStrutsBackToBackCentredOnTheAxis)
+{
+    const double size = 10;
+    const KLayoutContext context = makeLayoutContext(size);
+    const KTypoNodePtr node = layoutMatrixOf(context, rowsOf({{"a", "b"}, {"", ""}, {"x", "y"}}));
+    ASSERT_TRUE(node);
+    // Every row is at least a strut of 0.84 em over 0.36 em; the empty row keeps its place.
+    EXPECT_NEAR(node->height, 3 * 1.2 * size, 1e-9);
+    EXPECT_NEAR(node->ascent - node->height / 2, axis(size), 1e-9);
+    const KTypoNode& a = *node->children[0];
+    ASSERT_EQ(node->children.size(), 6u);
+    const KTypoNode& x = *node->children[4];
+    EXPECT_NEAR(a.y + a.ascent, 0.84 * size, 1e-9);
+    EXPECT_NEAR(x.y + x.ascent - (a.y + a.ascent), 2 * 1.2 * size, 1e-9);
 }
 
 TEST(MatrixLayout, RaggedRowsLeaveTheirMissingCellsEmpty)
@@ -107,7 +88,7 @@ TEST(MatrixLayout, RaggedRowsLeaveTheirMissingCellsEmpty)
     EXPECT_EQ(node->children.size(), 4u);
     const double widths = std::max(runWidth(context, "a"), runWidth(context, "d")) + runWidth(context, "b") +
                           runWidth(context, "c");
-    EXPECT_NEAR(node->width, widths + 3 * 3 + 2 * 3, kEps);
+    EXPECT_NEAR(node->width, widths + 2 * 10, kEps);
 }
 
 TEST(MatrixLayout, WithoutCellsLaysOutToNothing)
@@ -131,47 +112,69 @@ TEST(MatrixLayout, CellBaselinesLineUpAcrossARow)
     const KTypoNode& a = *node->children[0];
     const KTypoNode& b = *node->children[1];
     EXPECT_NEAR(a.y + a.ascent, b.y + b.ascent, kEps);
-    EXPECT_NEAR(b.y, 1.2, kEps); // the taller cell starts right under the row margin
 }
 
-// ---- equation arrays ----
+// The left edges of the glyphs whose text is `text`, in reading order.
+void glyphEdges(const KTypoNode& node, double x, const QString& text, std::vector<double>& out)
+{
+    x += node.x;
+    if (node.kind == kTypoGlyph && node.text == text)
+        out.push_back(x);
+    for (const KTypoNodePtr& child : node.children)
+        glyphEdges(*child, x, text, out);
+}
 
-TEST(EquationArrayLayout, RowsStackFlushLeftWithAGapAndCentreOnTheAxis)
+TEST(AlignmentLayout, AlignmentPointsLineUpAcrossRows)
+{
+    const char* cases[] = {"\\begin{aligned} a &= b + c \\\\ d + e &= f \\end{aligned}",
+                           "\\begin{aligned} x &= 1 & y &= 2 \\\\ xx &= 11 & yyy &= 22 \\end{aligned}"};
+    for (const char* latex : cases) {
+        SCOPED_TRACE(latex);
+        const rendertest::Laid laid = rendertest::layoutLatex(latex, 10);
+        ASSERT_TRUE(laid.root);
+        std::vector<double> equals;
+        glyphEdges(*laid.root, 0, QStringLiteral("="), equals);
+        ASSERT_EQ(equals.size() % 2, 0u);
+        const std::size_t perRow = equals.size() / 2;
+        for (std::size_t i = 0; i < perRow; ++i)
+            EXPECT_NEAR(equals[i], equals[perRow + i], 1e-9) << i;
+    }
+}
+
+TEST(AlignmentLayout, CasesSetBothPartsFlushLeftAQuadApart)
+{
+    const double size = 10;
+    const rendertest::Laid laid =
+        rendertest::layoutLatex("\\begin{cases} x & x > 0 \\\\ -xyz & \\text{otherwise} \\end{cases}", size);
+    ASSERT_TRUE(laid.root);
+    std::vector<double> xs;
+    std::vector<double> os;
+    glyphEdges(*laid.root, 0, QString::fromUcs4(U"\U0001D465"), xs);
+    glyphEdges(*laid.root, 0, QStringLiteral("o"), os);
+    ASSERT_EQ(xs.size(), 3u);
+    ASSERT_EQ(os.size(), 1u);
+    // The second parts start together, a quad after the widest first part.
+    const KLayoutContext context = makeLayoutContext(size);
+    const double widest = layoutList(context, runs(QStringLiteral("-xyz")))->width;
+    EXPECT_NEAR(xs[1], os[0], 1e-9);
+    EXPECT_GT(xs[1] - xs[0], widest);
+    EXPECT_NEAR(xs[1] - xs[0], widest + 1.0 * size, 0.5 * size);
+}
+
+TEST(EquationArrayLayout, WithoutRowsLaysOutToNothingAndLinesAreCentred)
 {
     const double size = 10;
     const KLayoutContext context = makeLayoutContext(size);
-    OEquationArray array;
-    array.rows.push_back(runs("a=b"));
-    array.rows.push_back(KOmmlNodeList{});
-    array.rows.push_back(runs("c=dddd"));
-    const KTypoNodePtr node = layoutElement(context, *makeOmmlNode(std::move(array)));
-    ASSERT_TRUE(node);
-    ASSERT_EQ(node->children.size(), 3u);
-    const double first = runHeight(context, "a=b");
-    const double last = runHeight(context, "c=dddd");
-    const double total = first + 10 + last + 2 * 3;
-    EXPECT_NEAR(node->height, total, kEps);
-    EXPECT_NEAR(node->ascent, total / 2 + 2.5, kEps);
-    EXPECT_NEAR(node->width, runWidth(context, "c=dddd"), kEps);
-    const double ys[] = {0, first + 3, first + 3 + 10 + 3};
-    for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_NEAR(node->children[i]->x, 0, kEps) << i;
-        EXPECT_NEAR(node->children[i]->y, ys[i], kEps) << i;
-    }
-    EXPECT_NEAR(node->children[1]->width, 0, kEps);
-    EXPECT_NEAR(node->children[1]->ascent, 7, kEps);
-}
-
-TEST(EquationArrayLayout, WithoutRowsLaysOutToNothingAndOneRowIsThatRow)
-{
-    const KLayoutContext context = makeLayoutContext(10);
     EXPECT_FALSE(layoutElement(context, *makeOmmlNode(OEquationArray{})));
-    OEquationArray one;
-    one.rows.push_back(runs("x"));
-    const KTypoNodePtr node = layoutElement(context, *makeOmmlNode(std::move(one)));
+    OEquationArray lines;
+    lines.rows.push_back(runs("x"));
+    lines.rows.push_back(runs("abc"));
+    const KTypoNodePtr node = layoutElement(context, *makeOmmlNode(std::move(lines)));
     ASSERT_TRUE(node);
-    EXPECT_NEAR(node->height, runHeight(context, "x"), kEps);
-    EXPECT_NEAR(node->ascent, runHeight(context, "x") / 2 + 2.5, kEps);
+    ASSERT_EQ(node->children.size(), 2u);
+    EXPECT_NEAR(node->width, runWidth(context, "abc"), kEps);
+    EXPECT_NEAR(node->children[0]->x, (runWidth(context, "abc") - runWidth(context, "x")) / 2, kEps);
+    EXPECT_NEAR(node->ascent - node->height / 2, axis(size), 1e-9);
 }
 
 } // namespace
