@@ -5,6 +5,8 @@
 
 #include <QColor>
 
+#include <algorithm>
+
 namespace {
 
 const QString kLimits = QStringLiteral("limits");
@@ -163,6 +165,78 @@ bool sameRunProperties(const ORun& a, const ORun& b)
            a.wordProps.bold == b.wordProps.bold && sameColour(a.wordProps.color, b.wordProps.color);
 }
 
+// Whether a math alphabet draws a character otherwise than plain math does: \mathrm
+// changes letters (the capital Greek letters are upright already), the other
+// alphabets letters and digits. Operators, punctuation and fences look the same in
+// every alphabet, so TeX's \mathrm{h.c.} is h and c upright between plain dots.
+bool changedByAlphabet(const OMathRunProperties& props, uint c)
+{
+    const bool romanOnly = props.style == OStyle::plain;
+    if (romanOnly && c >= 0x0391 && c <= 0x03A9)
+        return false;
+    return QChar::isLetter(c) || (!romanOnly && QChar::isDigit(c));
+}
+
+// A run of a math alphabet as runs that keep the alphabet only where it changes
+// something: \mathbf{-16.68} is "-", "16" bold, ".", "68" bold. A space belongs to
+// the stretch before it (at the start, to the one after). Text fonts (bold or
+// italic switches) keep the whole run.
+std::vector<ORun> splitByAlphabet(const ORun& run)
+{
+    const bool alphabet = run.mathProps.style.has_value() || run.mathProps.script != OScript::roman;
+    if (!alphabet || run.wordProps.bold || run.wordProps.italic)
+        return {run};
+    const QVector<uint> codePoints = run.text.toUcs4();
+    // 1 changed, 0 unchanged, -1 a space, which takes its neighbour's kind.
+    std::vector<int> kinds;
+    for (const uint c : codePoints)
+        kinds.push_back(QChar::isSpace(c) ? -1 : int(changedByAlphabet(run.mathProps, c)));
+    const auto firstKnown = std::find_if(kinds.begin(), kinds.end(), [](int k) { return k != -1; });
+    if (firstKnown == kinds.end())
+        return {run};
+    int previous = *firstKnown;
+    for (int& kind : kinds) {
+        if (kind == -1)
+            kind = previous;
+        previous = kind;
+    }
+    std::vector<ORun> pieces;
+    for (int i = 0; i < codePoints.size(); ++i) {
+        if (i == 0 || kinds[i] != kinds[i - 1])
+            pieces.push_back(ORun{QString(), kinds[i] ? run.mathProps : OMathRunProperties{}, run.wordProps});
+        pieces.back().text += QString::fromUcs4(&codePoints[i], 1);
+    }
+    return pieces;
+}
+
+// The runs of a converted list split where their alphabet changes nothing; a piece
+// joins the run before it when their properties are equal.
+KOmmlNodeList splitAlphabetRuns(KOmmlNodeList nodes)
+{
+    KOmmlNodeList output;
+    output.reserve(nodes.size());
+    for (KOmmlNodePtr& node : nodes) {
+        auto* run = ommlAs<ORun>(node.get());
+        if (!run) {
+            output.push_back(std::move(node));
+            continue;
+        }
+        std::vector<ORun> pieces = splitByAlphabet(*run);
+        if (pieces.size() == 1 && sameRunProperties(pieces.front(), *run)) {
+            output.push_back(std::move(node));
+            continue;
+        }
+        for (ORun& piece : pieces) {
+            auto* last = output.empty() ? nullptr : ommlAs<ORun>(output.back().get());
+            if (last && sameRunProperties(*last, piece))
+                last->text += piece.text;
+            else
+                output.push_back(makeOmmlNode(std::move(piece)));
+        }
+    }
+    return output;
+}
+
 // Merges neighbouring runs of equal properties and hands every n-ary operator and
 // function the node that follows it as its operand.
 KOmmlNodeList postProcess(KOmmlNodeList accumulated)
@@ -267,7 +341,7 @@ KOmmlNodeList KLatexAst2Omml::convert(const KLatexNode& node)
     KDepthGuard guard(m_depth);
     if (guard.tooDeep())
         return {};
-    return std::visit(KDispatch{*this}, node.value);
+    return splitAlphabetRuns(std::visit(KDispatch{*this}, node.value));
 }
 
 KOmmlNodeList KLatexAst2Omml::convert(const KLatexNode* node)

@@ -34,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\not{a\\sqrt{b}}",
                   borderBox(falling, r("a")) + borderBox(rising, rad(r("b"), QString(), true))},
         LatexCase{"\\mathbf{\\not{\\in}}",
-                  borderBox(falling, r(QStringLiteral("\u2208"), bold), ctrlOf(bold))},
+                  borderBox(falling, r(QStringLiteral("\u2208")), ctrlOf(bold))},
         LatexCase{"\\not{}", ""}, LatexCase{"\\cancel{x}", borderBox(rising, x)},
         LatexCase{"\\bcancel{x}", borderBox(falling, x)},
         LatexCase{"\\xcancel{x}", borderBox({"strikeBLTR", "strikeTLBR"}, x)},
