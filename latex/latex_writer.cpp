@@ -170,11 +170,14 @@ bool isSimple(const KLatexNode* node)
             return false;
         node = group->children.front().get();
     }
-    // A control space goes in braces: written bare, its space would end the text.
+    // Spacing goes in braces: a bare control space would lose its space, and TeX
+    // reads ^\, as a script of the macro's first token.
     if (const KLatexCommand* command = latexAs<KLatexCommand>(node))
-        return command->args.empty() && command->name != QLatin1String("space_normal");
+        return command->args.empty() && !spacingForm(command->name) &&
+               command->name != QLatin1String("enspace");
+    // An apostrophe is a superscript prime of its own: x^' would be a double superscript.
     if (const KLatexText* text = latexAs<KLatexText>(node))
-        return text->text.size() == 1;
+        return text->text.size() == 1 && text->text != QLatin1String("'");
     return false;
 }
 
@@ -544,13 +547,15 @@ QString KLatexWriter::print(const KLatexEnv& env)
         ++m_depth;
         const size_t count = env.body.size();
         for (size_t i = 0; i < count; ++i) {
+            const KLatexNode* element = env.body[i].get();
+            const QString printed = element ? node(element) : QString();
+            // An empty last row is the line break before it; its indentation alone
+            // would make a blank line, which ends the paragraph inside the formula.
+            if (printed.isEmpty() && i + 1 == count)
+                break;
             result += m_options.indent.repeated(m_depth);
-            bool terminated = false;
-            if (const KLatexNode* element = env.body[i].get()) {
-                const QString printed = node(element);
-                terminated = endsWithLineBreak(printed);
-                result += printed;
-            }
+            const bool terminated = endsWithLineBreak(printed);
+            result += printed;
             if (!terminated && i + 1 < count)
                 result += QStringLiteral(" \\\\");
             result += QLatin1Char('\n');

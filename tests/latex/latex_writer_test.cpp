@@ -74,7 +74,7 @@ TEST(LatexWriter, PrintsWholeTrees)
         // A space of the text is a control space, braced as a script; the lexer's
         // no-break space is a tie.
         {group(t("if"), cmd("space_normal"), t("x"), cmd("nbsp"), t("y")), "if\\ x~y"},
-        {script(t("x"), cmd("space_normal"), cmd("space_thin")), "x_\\,^{\\ }"},
+        {script(t("x"), cmd("space_normal"), cmd("space_thin")), "x_{\\,}^{\\ }"},
         {cmd("left", arg(makeLeftRight("{", "}", group(t("\\"), cmd("space_normal")), false))), "\\left\\\\"},
         {makeUnknownCommand("space_quad", args(arg(t("x")))), "\\quad "},
         // \left and \right print their first argument, unwrapping a braced delimiter.
@@ -145,6 +145,8 @@ TEST(LatexWriter, PrintsWholeTrees)
         {env("smallmatrix", row(t("a")), row(t("b"))),
          "\\begin{smallmatrix}\n  a \\\\\n  b\n\\end{smallmatrix}", options(false, true, true, "  ")},
         {group(env("matrix", row(t("a"))), t("x")), "\\begin{matrix}\n\ta\n\\end{matrix} x"},
+        // An empty last row is the line break of the row before it, without a blank line.
+        {env("matrix", row(t("a")), row()), "\\begin{matrix}\n\ta \\\\\n\\end{matrix}"},
     };
     for (const Case& c : cases)
         EXPECT_EQ(KLatexWriter::write(c.tree.get(), c.options), c.expected);
