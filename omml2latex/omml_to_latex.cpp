@@ -4,6 +4,7 @@
 #include "omml2latex/tables.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -70,6 +71,20 @@ bool isNameText(const QString& text)
     return true;
 }
 
+// Whether a list has runs at its top level and all of them are upright letters.
+bool upright(const KOmmlNodeList& list)
+{
+    bool any = false;
+    for (const KOmmlNode* node : present(list)) {
+        if (const auto* run = ommlAs<ORun>(node)) {
+            if (run->mathProps.style != OStyle::plain || run->wordProps.bold || run->wordProps.italic)
+                return false;
+            any = true;
+        }
+    }
+    return any;
+}
+
 bool runIsStyled(const ORun& run)
 {
     const OWordRunProperties& word = run.wordProps;
@@ -122,7 +137,7 @@ public:
     {
         if (!runIsStyled(run))
             return runTextToLatex(run.text, m_converter.m_scriptDepth > 0);
-        return runToLatex(run, m_converter.m_scriptDepth > 0);
+        return runToLatex(run, m_converter.m_scriptDepth > 0, m_converter.m_alphabet);
     }
 
     KLatexNodePtr operator()(const OFraction& fraction)
@@ -196,11 +211,11 @@ public:
             return styled(nullptr, limit.ctrlPr);
         QString name;
         if (const auto* run = ommlAs<ORun>(base.front()))
-            name = run->text.trimmed().toLower().remove(QLatin1Char(' '));
+            name = limitCommand(run->text);
         KLatexNodePtr lim = list(limit.lim);
-        if (isLimitName(name) && present(limit.lim).empty())
+        if (!name.isEmpty() && present(limit.lim).empty())
             return styled(command(name), limit.ctrlPr); // \gcd(a,b): no limit below
-        if (isLimitName(name))
+        if (!name.isEmpty())
             return styled(makeScript(command(name), nullptr, std::move(lim)), limit.ctrlPr);
         return styled(command(QStringLiteral("underset"), std::move(lim), list(limit.e)), limit.ctrlPr);
     }
@@ -221,17 +236,20 @@ public:
         KLatexNodePtr name;
         if (const auto* run = ommlAs<ORun>(single(*split.names))) {
             const QString text = run->text.trimmed();
-            const QString lower = text.toLower();
-            if (isFunctionName(lower))
-                name = command(lower);
+            if (isTexOperatorCommand(text))
+                name = command(text);
             else if (!text.isEmpty() && isNameText(text))
                 name = command(QStringLiteral("operatorname"), makeText(text));
-            else if (!text.isEmpty())
+            else if (text.isEmpty())
+                name = list(function.fName);
+            else if (!upright(*split.names))
                 name = list(*split.names);
             else
-                name = list(function.fName);
-        } else {
+                name = uprightOperator(*split.names); // \mathop{arg\,min}
+        } else if (!upright(*split.names)) {
             name = list(*split.names);
+        } else {
+            name = uprightOperator(*split.names);
         }
         if (split.sub || split.sup) {
             KLatexNodePtr sub = split.sub ? scriptList(*split.sub) : nullptr;
@@ -318,6 +336,12 @@ public:
     {
         if (groupCharCommands().contains(group.chr))
             return styled(command(groupCharCommands().value(group.chr), list(group.e)), group.ctrlPr);
+        // An arrow below its label, the label sitting on it: amsmath's extensible arrows.
+        const bool underLabel = group.pos == OPosition::bottom && group.vertJc == OVerticalJustification::top;
+        if (underLabel && group.chr == QStringLiteral("\u2192"))
+            return styled(command(QStringLiteral("xrightarrow"), list(group.e)), group.ctrlPr);
+        if (underLabel && group.chr == QStringLiteral("\u2190"))
+            return styled(command(QStringLiteral("xleftarrow"), list(group.e)), group.ctrlPr);
         KLatexNodePtr symbol = arrowCommands().contains(group.chr) ? command(arrowCommands().value(group.chr))
                                                                    : makeText(group.chr);
         const QString name =
@@ -342,6 +366,13 @@ public:
         KLatexNodeList rows;
         for (const OMatrixRow& row : matrix.rows) {
             KLatexNodeList cells;
+            // A last row of one empty cell is what a line break after the last row
+            // leaves: written as that line break, it reads back as the same row.
+            if (&row == &matrix.rows.back() && matrix.rows.size() > 1 && row.size() == 1 &&
+                present(row.front()).empty()) {
+                rows.push_back(makeRow({}));
+                continue;
+            }
             const size_t count = pad ? columns : std::max<size_t>(row.size(), 1);
             for (size_t i = 0; i < count; ++i)
                 cells.push_back(i < row.size() ? list(row[i]) : makeGroup());
@@ -497,11 +528,10 @@ private:
         const QString text = run ? run->text.trimmed() : QString();
         if (text.isEmpty())
             return nullptr;
-        // "lim sup" and "lim inf" are the names of \limsup and \liminf.
-        const QString lowered = text.toLower().remove(QLatin1Char(' '));
+        const QString lowered = limitCommand(text);
         KLatexNodePtr name;
         KLatexNodePtr sub;
-        if (isLimitName(lowered)) {
+        if (!lowered.isEmpty()) {
             if (!upper)
                 return nullptr; // the limit element alone says it: \lim_{L}
             name = command(lowered);
@@ -514,6 +544,16 @@ private:
         KLatexNodePtr sup = upper ? list(*upper) : nullptr;
         if (sub || sup)
             name = makeScript(std::move(name), std::move(sup), std::move(sub));
+        return name;
+    }
+
+    // A name that is more than letters (arg\,min, dim_H) as one upright operator; its
+    // letters need no \mathrm of their own inside \mathop.
+    KLatexNodePtr uprightOperator(const KOmmlNodeList& names)
+    {
+        const QString outer = std::exchange(m_converter.m_alphabet, QStringLiteral("mathrm"));
+        KLatexNodePtr name = command(QStringLiteral("mathop"), list(names));
+        m_converter.m_alphabet = outer;
         return name;
     }
 
@@ -682,6 +722,8 @@ private:
     // character itself ("." for no fence).
     static KLatexNodePtr fence(const QString& chr)
     {
+        if (chr == QLatin1String("\\"))
+            return command(QStringLiteral("backslash")); // "\\" would be a line break
         const QString name = delimiterName(chr);
         if (name != chr && name != QLatin1String("."))
             return command(name);

@@ -10,7 +10,7 @@
 
 // The nodes of one run's text: words of letters and digits, characters that have a
 // LaTeX command as that command, every other character alone, spaces as spacing
-// commands. Primes are apostrophes, or \prime inside a script. Null when nothing is left.
+// commands. Prime characters are apostrophes, or \prime inside a script. Null when nothing is left.
 KLatexNodePtr runTextToLatex(const QString& text, bool inScript = false);
 
 class KOmmlToLatexConverter {
@@ -33,11 +33,13 @@ public:
     // Style wrapping of a structure: only when its control properties ask for it.
     static KLatexNodePtr applyControlStyle(KLatexNodePtr node, const OControlProperties& ctrlPr);
     // A styled run: a math alphabet command wraps only the characters it changes
-    // (\mathrm{d}x, not \mathrm{d+x}); other styles wrap the whole run.
-    static KLatexNodePtr runToLatex(const ORun& run, bool inScript);
+    // (\mathrm{d}x, not \mathrm{d+x}); other styles wrap the whole run. Inside an
+    // `enclosing` alphabet command, that alphabet is not repeated.
+    static KLatexNodePtr runToLatex(const ORun& run, bool inScript, const QString& enclosing = QString());
 
 private:
     class OmmlToLatexVisitor;
     int m_depth = 0;
     int m_scriptDepth = 0; // how many scripts the node being converted is inside
+    QString m_alphabet;    // the alphabet command around the node being converted, if any
 };

@@ -134,8 +134,8 @@ KLatexNodePtr characterNode(char32_t c)
 // Splits run text into pieces: words of letters and digits; characters that have a
 // command (\theta, \le) as that command; letters of a mathematical alphabet as
 // its command around the plain letters (\mathbb{R}); every other character alone.
-// Primes are apostrophes on the baseline and \prime inside a script, where an
-// apostrophe would be a second superscript. A space becomes the spacing command
+// Prime characters are apostrophes on the baseline and \prime inside a script, where an
+// apostrophe would be a second superscript; an apostrophe stays one (x^{'} is valid). A space becomes the spacing command
 // of its width, since LaTeX drops the spaces of math text; two em spaces are one \qquad.
 std::vector<Piece> runPieces(const QString& text, bool inScript)
 {
@@ -169,9 +169,6 @@ std::vector<Piece> runPieces(const QString& text, bool inScript)
             // Escaped, a backslash would be a line break.
             flushWord();
             pieces.push_back({makeCommand(QStringLiteral("backslash")), PieceKind::other, QString()});
-        } else if (c == '\'' && inScript) {
-            flushWord();
-            pieces.push_back({makeCommand(QStringLiteral("prime")), PieceKind::other, QString()});
         } else if (isPrime(c)) {
             flushWord();
             const int count = primeCount(c);
@@ -307,10 +304,16 @@ KLatexNodePtr runTextToLatex(const QString& text, bool inScript)
     return joined(nodesOf(runPieces(text, inScript)));
 }
 
-KLatexNodePtr KOmmlToLatexConverter::runToLatex(const ORun& run, bool inScript)
+KLatexNodePtr KOmmlToLatexConverter::runToLatex(const ORun& run, bool inScript, const QString& enclosing)
 {
     const OWordRunProperties& word = run.wordProps;
     const QString command = word.bold || word.italic ? QString() : fontCommand(&run.mathProps, word);
+    if (!command.isEmpty() && command == enclosing) {
+        OWordRunProperties colourOnly;
+        colourOnly.asciiFont.clear();
+        colourOnly.color = word.color;
+        return applyStyle(runTextToLatex(run.text, inScript), nullptr, colourOnly);
+    }
     if (!isLetterAlphabet(command)) {
         KLatexNodePtr text = runTextToLatex(run.text, inScript);
         return applyStyle(std::move(text), &run.mathProps, run.wordProps);

@@ -41,6 +41,13 @@ QString delimiterName(const QString& chr);
 // Membership of an already trimmed, lower-cased name.
 bool isFunctionName(const QString& name);
 bool isLimitName(const QString& name);
+// The limit command (\lim, \limsup, \max, ...) whose name is the text exactly as it
+// writes it ("lim sup" for \limsup), or empty.
+QString limitCommand(const QString& text);
+// Whether LaTeX (with amsmath) has a command of that name that writes it as an
+// operator name without limits (\sin, \log); \sech or \lcm are \operatorname{...}
+// instead, and so are \max or \gcd, whose limits go below them (limit elements).
+bool isTexOperatorCommand(const QString& name);
 
 // The font command chosen by a lower-cased font name: every key contained in
 // the name selects its command, keys tried in ascending order, the last
@@ -49,7 +56,7 @@ QString fontFamilyCommand(const QString& lowerFontName);
 
 // "mathrm", "mathbf", "mathit", "boldsymbol".
 QString styleCommand(OStyle style);
-// "mathcal", "mathfrak", "mathbb", "mathsf"; empty for roman and monospace.
+// "mathcal", "mathfrak", "mathbb", "mathsf", "mathtt"; empty for roman.
 QString scriptCommand(OScript script);
 
 // The \textcolor name of a colour: empty for an invalid colour, the colour

@@ -59,7 +59,8 @@ TEST(ConvertsModel, ValuesTextCannotReach)
         {run(u8"\u3000\u2000\u2006\u205F"), "\\quad \\enspace\\,\\:"},
         {makeOmmlNode(std::move(f)), "\\frac{a}{b}"},
         {makeOmmlNode(std::move(root)), "\\sqrt[]{x}"},
-        {makeOmmlNode(std::move(matrix)), "\\begin{matrix}\n\t\n\\end{matrix}"},
+        // No blank line, which TeX would take for the end of a paragraph.
+        {makeOmmlNode(std::move(matrix)), "\\begin{matrix}\n\\end{matrix}"},
         {coloured(QColor(0, 0, 0, 128)), "\\textcolor{black}{x}"},
         {coloured(QColor()), "\\textcolor{}{x}"},
     };
