@@ -135,8 +135,8 @@ KLatexNodePtr characterNode(char32_t c)
 // command (\theta, \le) as that command; letters of a mathematical alphabet as
 // its command around the plain letters (\mathbb{R}); every other character alone.
 // Prime characters are apostrophes on the baseline and \prime inside a script, where an
-// apostrophe would be a second superscript; an apostrophe stays one (x^{'} is valid). A space becomes the spacing command
-// of its width, since LaTeX drops the spaces of math text; two em spaces are one \qquad.
+// apostrophe would be a second superscript; an apostrophe stays one (x^{'} is valid). A space becomes the
+// spacing command of its width, since LaTeX drops the spaces of math text; two em spaces are one \qquad.
 std::vector<Piece> runPieces(const QString& text, bool inScript)
 {
     std::vector<Piece> pieces;

@@ -96,9 +96,8 @@ bool isFunctionName(const QString& name)
 bool isTexOperatorCommand(const QString& name)
 {
     static const QSet<QString> names = makeNameSet({
-        u"arccos", u"arcsin", u"arctan", u"arg", u"cos", u"cosh", u"cot", u"coth", u"csc", u"deg",
-        u"dim",    u"exp",    u"hom",    u"ker", u"lg",  u"ln",   u"log", u"sec",  u"sin", u"sinh",
-        u"tan",    u"tanh",
+        u"arccos", u"arcsin", u"arctan", u"arg", u"cos", u"cosh", u"cot", u"coth", u"csc",  u"deg", u"dim",
+        u"exp",    u"hom",    u"ker",    u"lg",  u"ln",  u"log",  u"sec", u"sin",  u"sinh", u"tan", u"tanh",
     });
     return names.contains(name);
 }
@@ -107,10 +106,14 @@ QString limitCommand(const QString& text)
 {
     // The names as the limit commands write them: \limsup is "lim sup".
     static const QHash<QString, QString> commands = {
-        {QStringLiteral("lim"), QStringLiteral("lim")},       {QStringLiteral("lim sup"), QStringLiteral("limsup")},
-        {QStringLiteral("lim inf"), QStringLiteral("liminf")}, {QStringLiteral("max"), QStringLiteral("max")},
-        {QStringLiteral("min"), QStringLiteral("min")},       {QStringLiteral("sup"), QStringLiteral("sup")},
-        {QStringLiteral("inf"), QStringLiteral("inf")},       {QStringLiteral("gcd"), QStringLiteral("gcd")},
+        {QStringLiteral("lim"), QStringLiteral("lim")},
+        {QStringLiteral("lim sup"), QStringLiteral("limsup")},
+        {QStringLiteral("lim inf"), QStringLiteral("liminf")},
+        {QStringLiteral("max"), QStringLiteral("max")},
+        {QStringLiteral("min"), QStringLiteral("min")},
+        {QStringLiteral("sup"), QStringLiteral("sup")},
+        {QStringLiteral("inf"), QStringLiteral("inf")},
+        {QStringLiteral("gcd"), QStringLiteral("gcd")},
         {QStringLiteral("det"), QStringLiteral("det")},
     };
     return commands.value(text.trimmed());

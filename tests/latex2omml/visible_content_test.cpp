@@ -64,14 +64,14 @@ INSTANTIATE_TEST_SUITE_P(
                       LatexCase{"x\\eqref{a}\\ref{b}", r("x(") + u("a") + r(")") + u("b")},
                       LatexCase{"x\\label{a}\\nonumber\\notag\\allowbreak\\nobreak", x}));
 
-INSTANTIATE_TEST_SUITE_P(Chemistry, LatexToOmml,
-                         ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
-                                           LatexCase{"\\ce{A->B<=>C}", u("A") + r(QStringLiteral("\u2192")) + u("B") +
-                                                                                   r(QStringLiteral("\u21CC")) + u("C")},
-                                           LatexCase{"\\ce{SO4^{2-}}",
-                                                     u("S") + sSubSup(u("O"), u("4"), r("2-"))},
-                                           LatexCase{"\\ce{(OH)2}", r("(") + u("OH") + sSub(u(")"), u("2"))},
-                                           LatexCase{"\\pu{kJ/mol}", u("kJ") + r("/") + u("mol")}));
+INSTANTIATE_TEST_SUITE_P(
+    Chemistry, LatexToOmml,
+    ::testing::Values(LatexCase{"\\ce{H2O}", sSub(u("H"), u("2")) + u("O")},
+                      LatexCase{"\\ce{A->B<=>C}", u("A") + r(QStringLiteral("\u2192")) + u("B") +
+                                                      r(QStringLiteral("\u21CC")) + u("C")},
+                      LatexCase{"\\ce{SO4^{2-}}", u("S") + sSubSup(u("O"), u("4"), r("2-"))},
+                      LatexCase{"\\ce{(OH)2}", r("(") + u("OH") + sSub(u(")"), u("2"))},
+                      LatexCase{"\\pu{kJ/mol}", u("kJ") + r("/") + u("mol")}));
 
 // An unknown command stays visible as its name and keeps what it was given.
 INSTANTIATE_TEST_SUITE_P(UnknownCommands, LatexToOmml,
