@@ -180,11 +180,13 @@ bool changedByAlphabet(const OMathRunProperties& props, uint c)
 // A run of a math alphabet as runs that keep the alphabet only where it changes
 // something: \mathbf{-16.68} is "-", "16" bold, ".", "68" bold. A space belongs to
 // the stretch before it (at the start, to the one after). Text fonts (bold or
-// italic switches) keep the whole run.
+// italic switches) and monospace keep the whole run.
 std::vector<ORun> splitByAlphabet(const ORun& run)
 {
     const bool alphabet = run.mathProps.style.has_value() || run.mathProps.script != OScript::roman;
-    if (!alphabet || run.wordProps.bold || run.wordProps.italic)
+    // Monospace is also the face of verbatim text and addresses, where every character counts.
+    const bool monospace = run.mathProps.script == OScript::monospace;
+    if (!alphabet || monospace || run.wordProps.bold || run.wordProps.italic)
         return {run};
     const QVector<uint> codePoints = run.text.toUcs4();
     // 1 changed, 0 unchanged, -1 a space, which takes its neighbour's kind.

@@ -241,13 +241,14 @@ bool changedBy(const QString& command, const QString& text)
 }
 
 // The commands that draw letters and digits in another alphabet and leave the
-// rest of the run as it is.
+// rest of the run as it is. \mathtt wraps whole runs: monospace is also the face
+// of verbatim text, where every character counts.
 bool isLetterAlphabet(const QString& command)
 {
     static const QSet<QString> alphabets = {
-        QStringLiteral("mathrm"),   QStringLiteral("mathbf"), QStringLiteral("mathit"),
-        QStringLiteral("mathsf"),   QStringLiteral("mathtt"), QStringLiteral("mathcal"),
-        QStringLiteral("mathfrak"), QStringLiteral("mathbb"),
+        QStringLiteral("mathrm"), QStringLiteral("mathbf"),  QStringLiteral("mathit"),
+        QStringLiteral("mathsf"), QStringLiteral("mathcal"), QStringLiteral("mathfrak"),
+        QStringLiteral("mathbb"),
     };
     return alphabets.contains(command);
 }
