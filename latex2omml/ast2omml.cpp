@@ -239,6 +239,39 @@ KOmmlNodeList splitAlphabetRuns(KOmmlNodeList nodes)
     return output;
 }
 
+// A run of spaces alone keeps an alphabet only next to a run of that alphabet, where
+// the spaces belong to its text; elsewhere (\textrm{ , } after math) they are plain
+// spaces and join the runs around them.
+KOmmlNodeList withoutLoneAlphabetSpaces(KOmmlNodeList nodes)
+{
+    const auto runAt = [&](std::size_t i) {
+        return i < nodes.size() ? ommlAs<ORun>(nodes[i].get()) : nullptr;
+    };
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        ORun* run = runAt(i);
+        const bool alphabet =
+            run && (run->mathProps.style.has_value() || run->mathProps.script != OScript::roman);
+        if (!alphabet || run->text.trimmed().size() != 0 || run->text.isEmpty())
+            continue;
+        const ORun* before = i > 0 ? runAt(i - 1) : nullptr;
+        const ORun* after = runAt(i + 1);
+        if ((before && sameRunProperties(*before, *run)) || (after && sameRunProperties(*after, *run)))
+            continue;
+        run->mathProps = OMathRunProperties{};
+    }
+    KOmmlNodeList output;
+    output.reserve(nodes.size());
+    for (KOmmlNodePtr& node : nodes) {
+        auto* run = ommlAs<ORun>(node.get());
+        auto* last = output.empty() ? nullptr : ommlAs<ORun>(output.back().get());
+        if (run && last && sameRunProperties(*last, *run))
+            last->text += run->text;
+        else
+            output.push_back(std::move(node));
+    }
+    return output;
+}
+
 // Merges neighbouring runs of equal properties and hands every n-ary operator and
 // function the node that follows it as its operand.
 KOmmlNodeList postProcess(KOmmlNodeList accumulated)
@@ -276,7 +309,7 @@ KOmmlNodeList postProcess(KOmmlNodeList accumulated)
         }
         output.push_back(std::move(node));
     }
-    return output;
+    return withoutLoneAlphabetSpaces(std::move(output));
 }
 
 // A command whose table entry counts the node after it among its arguments

@@ -25,6 +25,8 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathcal{\xF0\x9D\x84\x9E}", r(QString::fromUtf8("\xF0\x9D\x84\x9E"))},
         LatexCase{"\\mathbf{-1.5}+\\mathrm{h.c.}", r("-") + r("1", bold) + r(".") + r("5", bold) + r("+") +
                                                        r("h", sty("p")) + r(".") + r("c", sty("p")) + r(".")},
+        // Spaces alone take no alphabet away from the plain text around them.
+        LatexCase{"a\\textrm{ , }", r("a , ")},
         LatexCase{"\\mathrm{2\\,km\\,s}", r("2") + r(QStringLiteral("\u2009km\u2009s"), sty("p"))},
         LatexCase{"\\mathbf{\\mathit{x}}", r("x", sty("i"))},
         LatexCase{"\\mathbb{\\mathbf{R}}", r("R", bold)}, LatexCase{"\\mathbf{a}b", r("a", bold) + r("b")},
