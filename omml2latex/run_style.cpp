@@ -76,6 +76,11 @@ QString fontCommand(const OMathRunProperties* mathProps, const OWordRunPropertie
         return QStringLiteral("textbf");
     if (wordProps.italic)
         return QStringLiteral("textit");
+    // Upright monospace and sans-serif are what \texttt and \textsf write.
+    if (mathProps && mathProps->style == OStyle::plain && mathProps->script == OScript::monospace)
+        return QStringLiteral("texttt");
+    if (mathProps && mathProps->style == OStyle::plain && mathProps->script == OScript::sansSerif)
+        return QStringLiteral("textsf");
     if (mathProps && mathProps->style)
         return styleCommand(*mathProps->style);
     const QString family = fontFamilyCommand(wordProps.asciiFont.toLower());
@@ -124,6 +129,29 @@ QString fromCodePoint(char32_t c)
     return QString::fromUcs4(&ucs4, 1);
 }
 
+constexpr uint kCombiningNot = 0x0338;
+
+// The amssymb command of a relation struck through by a combining long solidus.
+QString negatedCommand(char32_t c)
+{
+    switch (c) {
+    case 0x2266:
+        return QStringLiteral("nleqq");
+    case 0x2267:
+        return QStringLiteral("ngeqq");
+    case 0x2A7D:
+        return QStringLiteral("nleqslant");
+    case 0x2A7E:
+        return QStringLiteral("ngeqslant");
+    case 0x2AC5:
+        return QStringLiteral("nsubseteqq");
+    case 0x2AC6:
+        return QStringLiteral("nsupseteqq");
+    default:
+        return {};
+    }
+}
+
 // A character as LaTeX: its command, or itself.
 KLatexNodePtr characterNode(char32_t c)
 {
@@ -148,11 +176,18 @@ std::vector<Piece> runPieces(const QString& text, bool inScript)
     };
     const QString quad = QStringLiteral("space_quad");
     const QVector<uint> codePoints = text.toUcs4();
-    for (const uint u : codePoints) {
+    for (int i = 0; i < codePoints.size(); ++i) {
+        const uint u = codePoints[i];
         const auto c = char32_t(u);
         const QChar unit = u < 0x10000 ? QChar(ushort(u)) : QChar();
         KMathAlphanumeric alphanumeric;
-        if (u < 0x10000 && isRunSpace(unit)) {
+        const QString negated =
+            i + 1 < codePoints.size() && codePoints[i + 1] == kCombiningNot ? negatedCommand(c) : QString();
+        if (!negated.isEmpty()) {
+            flushWord();
+            pieces.push_back({makeCommand(negated), PieceKind::symbol, fromCodePoint(c)});
+            ++i;
+        } else if (u < 0x10000 && isRunSpace(unit)) {
             flushWord();
             const QString name = spacingCommand(unit);
             if (name.isEmpty())

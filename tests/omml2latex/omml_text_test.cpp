@@ -219,6 +219,11 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {sr(v("scr", "double-struck"), ""), "\\mathbb{x}"},
         {sr(v("scr", "script"), ""), "\\mathcal{x}"},
         {sr(v("scr", "monospace"), ""), "\\mathtt{x}"},
+        // Upright monospace and sans-serif text is what \texttt and \textsf write.
+        {sr(v("scr", "monospace") + v("sty", "p"), "", "a.b"), "\\texttt{a.b}"},
+        {sr(v("scr", "sans-serif") + v("sty", "p"), "", "k"), "\\textsf{k}"},
+        // A relation struck through by a combining solidus is amssymb's negated relation.
+        {r(u8"a≧̸b≦̸c"), "a\\ngeqq b\\nleqq c"},
         {sr(v("scr", "script"), font("")), "x"},
         {sr(p, font("")), "\\mathrm{x}"},
         {sr(v("scr", "fraktur"), font("Arial")), "\\mathsf{x}"},
