@@ -8,7 +8,8 @@ PACKAGES=(cmake ninja-build g++ qtbase5-dev libqt5svg5-dev libgtest-dev fontconf
     fonts-texgyre-math libharfbuzz-dev libfontconfig-dev
     pkg-config python3 python3-venv python3-pip python3-setuptools python3-pytest python3-docx
     python3-dask python3-distributed
-    libzip-dev libxml2-utils libreoffice-writer-nogui libreoffice-math-nogui)
+    libzip-dev libxml2-utils libreoffice-writer-nogui libreoffice-math-nogui
+    texlive-latex-base texlive-latex-recommended)
 # Extra configure arguments of the build in $BUILD (the checked builds set them).
 CMAKE_ARGS=()
 
