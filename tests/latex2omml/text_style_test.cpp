@@ -26,7 +26,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mathbf{-1.5}+\\mathrm{h.c.}", r("-") + r("1", bold) + r(".") + r("5", bold) + r("+") +
                                                        r("h", sty("p")) + r(".") + r("c", sty("p")) + r(".")},
         // Spaces alone take no alphabet away from the plain text around them.
-        LatexCase{"a\\textrm{ , }", r("a , ")},
+        LatexCase{"a\\mathrm{\\ }b", r("a b")},
         LatexCase{"\\mathrm{2\\,km\\,s}", r("2") + r(QStringLiteral("\u2009km\u2009s"), sty("p"))},
         LatexCase{"\\mathbf{\\mathit{x}}", r("x", sty("i"))},
         LatexCase{"\\mathbb{\\mathbf{R}}", r("R", bold)}, LatexCase{"\\mathbf{a}b", r("a", bold) + r("b")},
@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\mbox{a}\\hbox{b}\\vbox{}", box(r("a", nor())) + box(r("b", nor())) + box("")},
         LatexCase{"\\mathsf{\\fbox{x}}", frame(r("x", scr("sans-serif")), ctrlOf(scr("sans-serif")))},
         LatexCase{"a \\pmod{n}",
-                  r(QStringLiteral("a\u2005")) + rp(QStringLiteral("(mod\u2009")) + r(QStringLiteral("n)\u2009"))},
+                  r(QStringLiteral("a\u2005(")) + rp(QStringLiteral("mod\u2009")) + r(QStringLiteral("n)\u2009"))},
         LatexCase{"a\\bmod b", r(QStringLiteral("a\u2005")) + rp("mod") + r(QStringLiteral("\u2005b"))},
         LatexCase{"\\mod{\\frac{a}{b}}", r(QStringLiteral("\u2005")) + rp(QStringLiteral("mod\u2009")) +
                                              frac(r("a"), r("b")) + r(QStringLiteral("\u2009"))}));

@@ -1032,7 +1032,7 @@ const VocabularyCase kStructures[] = {
     {"{pmatrix}", "\\begin{pmatrix}a&b\\\\c&d\\end{pmatrix}", "d[(,)](e(m(mr(e(a)e(b))mr(e(c)e(d)))))"},
     {"{pmatrix*}", "\\begin{pmatrix*}[r]a&b\\\\c&d\\end{pmatrix*}", "d[(,)](e(m(mr(e(a)e(b))mr(e(c)e(d)))))"},
     {"\\pmb", "\\pmb{x}", "\u00ABbi:x\u00BB"},
-    {"\\pmod", "a\\pmod{n}", "a\u2005\u00ABp:(mod\u2009\u00BBn)\u2009"},
+    {"\\pmod", "a\\pmod{n}", "a\u2005(\u00ABp:mod\u2009\u00BBn)\u2009"},
     {"\\pod", "a\\pod{n}", "a\u2005(n)\u2009"},
     {"\\Pr", "\\Pr(A)", "func(fName(\u00ABp:Pr\u00BB)e(())A)"},
     {"\\prod", "\\prod_i a", "nary[\u220F](sub(i)sup()e(a))"},
