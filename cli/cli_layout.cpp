@@ -4,7 +4,6 @@
 #include "latex/latex_parser.h"
 #include "latex2omml/ast2omml.h"
 #include "omml/omml_reader.h"
-#include "render/outlines.h"
 #include "render/render.h"
 
 #include <QTransform>
@@ -63,18 +62,6 @@ QString svgPathData(const QPainterPath& path)
     return parts.join(QLatin1Char(' '));
 }
 
-// The outline a stretchy glyph paints, in its own box; empty when it is drawn from the font.
-QPainterPath growOutline(const KTypoNode& node)
-{
-    if (node.text.isEmpty() || !outlines::hasOutline(node.text.at(0).unicode()))
-        return {};
-    const outlines::KOperatorOutline outline = outlines::outline(node.text.at(0).unicode());
-    if (std::abs(outline.height) <= 1e-12)
-        return outline.path;
-    const double k = node.height / outline.height;
-    return QTransform::fromScale(k, k).map(outline.path);
-}
-
 class JsonWriter {
 public:
     explicit JsonWriter(bool pretty) : m_pretty(pretty) {}
@@ -111,9 +98,6 @@ public:
         }
         if (n.kind == kTypoGrow) {
             const auto& grow = static_cast<const KTypoGrowGlyph&>(n);
-            const QPainterPath outline = growOutline(n);
-            if (!outline.isEmpty())
-                field(level, QStringLiteral("path"), jsonQuote(svgPathData(outline)));
             field(level, QStringLiteral("scale"), number(grow.scale));
             // A one-way stretch (a widened accent) shows only in these.
             if (grow.scaleX != 1.0)

@@ -5,7 +5,6 @@
 
 #include "render/glyph_cache.h"
 #include "render/math_font.h"
-#include "render/outlines.h"
 
 #include <QBuffer>
 #include <QPainter>
@@ -101,19 +100,6 @@ void paintGrowGlyph(QPainter& painter, const KTypoGrowGlyph& node, double x, dou
 {
     if (node.text.isEmpty())
         return;
-    const char16_t first = node.text.at(0).unicode();
-    if (outlines::hasOutline(first)) {
-        const outlines::KOperatorOutline entry = outlines::outline(first);
-        if (std::abs(entry.height) <= 1e-12 || !finite(x, y, node.height))
-            return;
-        const double k = node.height / entry.height;
-        QPainterPath path = QTransform().translate(x, y).scale(k, k).map(entry.path);
-        path.setFillRule(Qt::WindingFill);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(colourOr(node.growColor, kBlack)));
-        painter.drawPath(path);
-        return;
-    }
     const KGlyphFont& font = glyphFont(node.fontFamily, node.fontSize, node.italic == 1, node.bold == 1);
     const QString& colour = colourOr(node.growColor, colourOr(node.fillColor, kBlack));
     double scaleX = node.scaleX;

@@ -83,8 +83,7 @@ struct KTypoStrokePath : KTypoNode {
     QPainterPath path;
 };
 
-// A delimiter or operator stretched to a size: a built-in outline when its
-// character has one, else the font glyph scaled.
+// A glyph stretched to a size: the font glyph scaled, uniformly or one way.
 struct KTypoGrowGlyph : KTypoNode {
     KTypoGrowGlyph() : KTypoNode(kTypoGrow) {}
     double scale = 1.0;
