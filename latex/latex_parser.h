@@ -57,6 +57,8 @@ public:
     // A brace group, or else one character or one control sequence with its own arguments, held in
     // a group; null (nothing consumed) where no argument can start.
     KLatexNodePtr parseMandatoryArgument();
+    // The scope of an old font switch without braces (\rm const): the rest of its group, in a group.
+    KLatexNodePtr parseSwitchScope();
     // A brace group, or else a TeX dimension (signs, a number and a unit, or a length command).
     KLatexNodePtr parseDimensionArgument();
     // The current command token alone, without reading any argument.

@@ -46,6 +46,15 @@ KLatexNodeList textNodes(const QString& text)
     return nodes;
 }
 
+// An old font switch acts up to the end of its group: the closing brace, the end of a cell or a
+// row, or the fence or environment end that closes the list it stands in.
+bool endsSwitchScope(const Token& t)
+{
+    return t.kind == TokenKind::RBrace || t.kind == TokenKind::Ampersand || isCommandToken(t, "\\\\") ||
+           isCommandToken(t, "cr") || isCommandToken(t, "end") || isCommandToken(t, "right") ||
+           isCommandToken(t, "middle");
+}
+
 } // namespace
 
 KLatexNodePtr KLatexParser::commandAlone()
@@ -109,6 +118,11 @@ KLatexNodePtr KLatexParser::parseMandatoryArgument()
     return makeGroup(std::move(atom));
 }
 
+KLatexNodePtr KLatexParser::parseSwitchScope()
+{
+    return parseExprUntil(endsSwitchScope, false);
+}
+
 KLatexArgs KLatexParser::parseCommandArgs(const QString& name)
 {
     const ArgShape shape = commandArgShape(name);
@@ -166,6 +180,15 @@ KLatexArgs KLatexParser::parseCommandArgs(const QString& name)
                     pendingColourValue = makeGroup(textNodes(value.trimmed()));
                 }
             }
+            break;
+        case 's':
+            if (peek().kind == TokenKind::LBrace)
+                args.push_back(KLatexArg{false, parseBraceGroupAsExpr()});
+            else if (peek().kind == TokenKind::EndOfInput || endsSwitchScope(peek()))
+                missing(mandatory);
+            else
+                args.push_back(KLatexArg{false, parseSwitchScope()});
+            ++mandatory;
             break;
         case 'g':
             if (peek().kind == TokenKind::LBrace)

@@ -46,6 +46,18 @@ INSTANTIATE_TEST_SUITE_P(
             return r("a", look);
         }()}));
 
+// The old font switches act up to the end of their group, cell or row; braces right after
+// one are its argument, as before.
+INSTANTIATE_TEST_SUITE_P(
+    FontSwitches, LatexToOmml,
+    ::testing::Values(LatexCase{"{\\rm const}+x", r("const", sty("p")) + r("+x")},
+                      LatexCase{"{\\bf ab}c", r("ab", bold) + r("c")},
+                      LatexCase{"\\rm d x", r("dx", sty("p"))},
+                      LatexCase{"\\rm{d}x", r("d", sty("p")) + x},
+                      LatexCase{"{\\cal AB}_i", sSub(r("AB", scr("script")), r("i"))},
+                      LatexCase{"\\left(\\bf ab\\right)c", d("(", ")", r("ab", bold)) + r("c")},
+                      LatexCase{"x\\rm", x}));
+
 // Names sharing a row of the alphabet table convert alike (some only reach the
 // converter as trees, because the parser does not know them).
 TEST(TextStyle, AlphabetAliases)
