@@ -510,7 +510,23 @@ KOmmlNodeList modulo(KLatexAst2Omml& ast, const KLatexCommand& command)
 KOmmlNodeList phantom(KLatexAst2Omml& ast, const KLatexCommand& command)
 {
     // \phantom reserves the space of its content and shows nothing; \hphantom keeps
-    // only its width, \vphantom only its height and depth.
+    // only its width, \vphantom only its height and depth. \smash shows its content
+    // without height and depth; \smash[t] drops only the height, \smash[b] only the depth.
+    if (command.name == QLatin1String("smash")) {
+        const KLatexNode* content = lastMandatoryArgument(command.args);
+        if (!content)
+            return {};
+        QString side;
+        for (const KLatexArg& arg : command.args)
+            if (arg.optional)
+                side = plainText(arg.node.get()).trimmed();
+        OPhantom smashed;
+        smashed.e = ast.convert(*content);
+        smashed.ctrlPr = ast.currentStyle();
+        smashed.zeroAsc = side != QLatin1String("b");
+        smashed.zeroDesc = side != QLatin1String("t");
+        return makeOmmlList(makeOmmlNode(std::move(smashed)));
+    }
     const KLatexNode* content = argumentNode(command.args, 0);
     if (!content)
         return {};

@@ -406,9 +406,17 @@ public:
 
     KLatexNodePtr operator()(const OPhantom& phantom)
     {
-        // A phantom that shows its content is that content.
-        if (phantom.show)
-            return styled(list(phantom.e), phantom.ctrlPr);
+        // A phantom that shows its content is that content, or \smash when it has lost its
+        // height, its depth or both (but not its width).
+        if (phantom.show) {
+            if (phantom.zeroWid || (!phantom.zeroAsc && !phantom.zeroDesc))
+                return styled(list(phantom.e), phantom.ctrlPr);
+            KLatexArgs args;
+            if (phantom.zeroAsc != phantom.zeroDesc)
+                args.push_back(bracketArg(makeText(phantom.zeroAsc ? QStringLiteral("t") : QStringLiteral("b"))));
+            args.push_back(braceArg(list(phantom.e)));
+            return styled(makeCommand(QStringLiteral("smash"), std::move(args)), phantom.ctrlPr);
+        }
         QString name = QStringLiteral("phantom");
         if (phantom.zeroAsc && phantom.zeroDesc && !phantom.zeroWid)
             name = QStringLiteral("hphantom");

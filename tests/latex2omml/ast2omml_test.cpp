@@ -21,6 +21,10 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\foo{x}y", r("\\fooxy")}, LatexCase{"a\\foo^2", r("a") + sSup(r("\\foo"), r("2"))},
         LatexCase{"\\mathbf{\\foo}", r("\\foo")},
         LatexCase{"a\\hphantom{x}", r("a") + phant(r("x"), {"zeroAsc", "zeroDesc"})},
+        // \smash shows its content without height and depth, or without the side it names.
+        LatexCase{"\\smash{x}\\smash[t]{y}\\smash[b]{z}", phant(r("x"), {"zeroAsc", "zeroDesc"}, true) +
+                                                           phant(r("y"), {"zeroAsc"}, true) +
+                                                           phant(r("z"), {"zeroDesc"}, true)},
         LatexCase{"a\\lcm^2", r("a") + func(limUpp(limLow(rp("lcm"), kNone), r("2")), kNone)},
         LatexCase{"x_i", sSub(r("x"), r("i"))}, LatexCase{"x_i^2", sSubSup(r("x"), r("i"), r("2"))},
         LatexCase{"_3^2", sSubSup(kNone, r("3"), r("2"))},

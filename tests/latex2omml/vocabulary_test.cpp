@@ -1064,7 +1064,7 @@ const VocabularyCase kStructures[] = {
     {"\\small", "{\\small a}", "a"},
     {"\\smallint", "\\smallint f", "nary[\u222B](sub()sup()e(f))"},
     {"{smallmatrix}", "\\begin{smallmatrix}a&b\\\\c&d\\end{smallmatrix}", "m(mr(e(a)e(b))mr(e(c)e(d)))"},
-    {"\\smash", "\\smash{a}", "a"},
+    {"\\smash", "\\smash{a}", "phant(e(a))"},
     {"\\sout", "\\sout{ab}", "borderBox[hideTop,hideBot,hideLeft,hideRight,strikeH](e(ab))"},
     {"\\space", "a\\space b", "a b"},
     {"{split}", "\\begin{split}a&=b\\\\&=c\\end{split}", "m(mr(e(a)e(=b))mr(e()e(=c)))"},

@@ -196,6 +196,11 @@ TEST(OmmlTextToLatex, Structures)
          "\\hphantom{x}"},
         {m("phant", m("phantPr", v("show", "off") + "<m:zeroWid/>") + x), "\\vphantom{x}"},
         {m("phant", m("phantPr", v("show", "off") + "<m:zeroWid/><m:zeroAsc/>") + x), "\\phantom{x}"},
+        // A shown phantom without height or depth is \smash; without width it is its content.
+        {m("phant", m("phantPr", "<m:zeroAsc/><m:zeroDesc/>") + x), "\\smash{x}"},
+        {m("phant", m("phantPr", "<m:zeroAsc/>") + x), "\\smash[t]{x}"},
+        {m("phant", m("phantPr", v("zeroDesc", "on")) + x), "\\smash[b]{x}"},
+        {m("phant", m("phantPr", "<m:zeroWid/><m:zeroAsc/>") + x), "x"},
         {m("sPre", m("sub", r("a")) + m("sup", r("b")) + e("X")), "{}_a^b X"},
         {m("sPre"), "{}_{}^{}"},
     });

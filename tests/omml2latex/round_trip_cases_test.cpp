@@ -34,6 +34,7 @@ TEST(RoundTrip, IsExactAndStable)
         {"\\left\\langle x \\right\\rangle", "\\left\\langle x\\right\\rangle"},
         {"\\frac{\\partial f}{\\partial x}", "\\frac{\\partial f}{\\partial x}"},
         {"\\phantom{x}\\hphantom{y}\\vphantom{z}", "\\phantom{x}\\hphantom{y}\\vphantom{z}"},
+        {"\\smash[b]{g}+\\smash{x_y}", "\\smash[b]{g}+\\smash{x_y}"},
         {"\\left( a \\middle| b \\right)", "\\left(a\\middle|b\\right)"},
         {"\\left\\langle a \\middle\\| b \\right\\rangle", "\\left\\langle a\\middle\\Vert b\\right\\rangle"},
         {"\\bigl( x \\Bigr]", "\\bigl(x\\Bigr]"},
