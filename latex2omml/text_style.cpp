@@ -3,10 +3,13 @@
 // explicit spaces and the modulo notations.
 #include "latex2omml/handlers.h"
 
+#include <QColor>
 #include <QHash>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -108,19 +111,117 @@ QString colourText(const KLatexNode& spec)
     if (!group || group->children.empty())
         return kDefaultColour;
     QString value;
+    QString joined; // a mix (red!30!blue) arrives as its pieces
     bool hexadecimal = false;
     for (const auto& child : group->children) {
-        if (const auto* text = latexAs<KLatexText>(child.get()))
+        if (const auto* text = latexAs<KLatexText>(child.get())) {
             value = text->text;
+            joined += text->text;
+        }
         else if (const auto* command = latexAs<KLatexCommand>(child.get()))
             hexadecimal = hexadecimal || command->name == QLatin1String("#");
     }
     if (value.isEmpty())
         return kDefaultColour;
     if (!hexadecimal)
-        return value;
+        return joined.contains(QLatin1Char('!')) ? joined : value;
     static const QRegularExpression sixHexDigits(QStringLiteral("^[0-9A-Fa-f]{6}$"));
     return sixHexDigits.match(value).hasMatch() ? QLatin1Char('#') + value : kDefaultColour;
+}
+
+// A colour of the PostScript driver's palette (BurntOrange, CarnationPink), which LaTeX
+// documents name with xcolor's dvipsnames option; invalid for any other name.
+QColor paletteColour(const QString& name)
+{
+    struct KPaletteEntry {
+        const char16_t* name;
+        QRgb rgb;
+    };
+    static const KPaletteEntry kPalette[] = {
+#include "latex2omml/dvips_colours.inc"
+    };
+    static const QHash<QString, QRgb> table = [] {
+        QHash<QString, QRgb> built;
+        for (const KPaletteEntry& entry : kPalette)
+            built.insert(QString::fromUtf16(entry.name), entry.rgb);
+        return built;
+    }();
+    const auto found = table.constFind(name);
+    return found == table.constEnd() ? QColor() : QColor::fromRgb(*found);
+}
+
+QColor namedColour(const QString& name)
+{
+    if (QColor::isValidColor(name))
+        return QColor(name);
+    return paletteColour(name.trimmed());
+}
+
+QString hexName(const QColor& colour)
+{
+    return colour.name(QColor::HexRgb);
+}
+
+// A colour name as the colour keywords, the "#" forms and the palette name it, and as xcolor
+// mixes them: "red!30" is 30% red in white, "red!30!blue" 30% red in blue, and so on from the
+// left. What cannot be read is left as written (and then paints black).
+QString resolveColourName(const QString& text)
+{
+    if (QColor::isValidColor(text))
+        return text;
+    const QStringList parts = text.split(QLatin1Char('!'));
+    QColor colour = namedColour(parts.front());
+    for (int i = 1; colour.isValid() && i < parts.size(); i += 2) {
+        bool ok = false;
+        const double percent = parts[i].trimmed().toDouble(&ok);
+        const QColor other = i + 1 < parts.size() ? namedColour(parts[i + 1]) : QColor(Qt::white);
+        if (!ok || percent < 0 || percent > 100 || !other.isValid())
+            return text;
+        const double share = percent / 100;
+        auto mix = [share](int a, int b) { return qRound(share * a + (1 - share) * b); };
+        colour = QColor(mix(colour.red(), other.red()), mix(colour.green(), other.green()),
+                        mix(colour.blue(), other.blue()));
+    }
+    return colour.isValid() ? hexName(colour) : text;
+}
+
+// The value of \color[model]{value} in xcolor's models rgb, RGB, HTML, gray, cmyk and cmy, as
+// "#rrggbb"; empty when the model is another or the value does not fit it.
+QString colourFromModel(const QString& model, const QString& value)
+{
+    const QString trimmed = value.trimmed();
+    if (model == QLatin1String("HTML")) {
+        static const QRegularExpression sixHexDigits(QStringLiteral("^[0-9A-Fa-f]{6}$"));
+        return sixHexDigits.match(trimmed).hasMatch() ? (QLatin1Char('#') + trimmed).toLower() : QString();
+    }
+    std::vector<double> numbers;
+    for (const QString& part : trimmed.split(QLatin1Char(','))) {
+        bool ok = false;
+        numbers.push_back(part.trimmed().toDouble(&ok));
+        if (!ok)
+            return {};
+    }
+    const bool whole = model == QLatin1String("RGB");
+    for (double n : numbers)
+        if (n < 0 || n > (whole ? 255 : 1))
+            return {};
+    auto channel = [](double unit) { return qBound(0, qRound(unit * 255), 255); };
+    auto rgb = [&](double r, double g, double b) { return hexName(QColor(channel(r), channel(g), channel(b))); };
+    const std::size_t count = numbers.size();
+    if (model == QLatin1String("rgb") && count == 3)
+        return rgb(numbers[0], numbers[1], numbers[2]);
+    if (whole && count == 3)
+        return rgb(numbers[0] / 255, numbers[1] / 255, numbers[2] / 255);
+    if (model == QLatin1String("gray") && count == 1)
+        return rgb(numbers[0], numbers[0], numbers[0]);
+    if (model == QLatin1String("cmy") && count == 3)
+        return rgb(1 - numbers[0], 1 - numbers[1], 1 - numbers[2]);
+    if (model == QLatin1String("cmyk") && count == 4) {
+        const double k = numbers[3];
+        return rgb(1 - std::min(1.0, numbers[0] + k), 1 - std::min(1.0, numbers[1] + k),
+                   1 - std::min(1.0, numbers[2] + k));
+    }
+    return {};
 }
 
 // ---- boxes -------------------------------------------------------------------
@@ -413,7 +514,14 @@ KOmmlNodeList color(KLatexAst2Omml& ast, const KLatexCommand& command)
     const auto first = afterColourModel(command.args);
     if (command.args.end() - first != 2 || !first[0].node || !first[1].node)
         return {};
-    const QString name = colourText(*first[0].node);
+    QString name = colourText(*first[0].node);
+    if (first != command.args.begin()) {
+        const QString model = plainText(command.args.front().node.get()).trimmed();
+        const QString fromModel = colourFromModel(model, plainText(first[0].node.get()));
+        name = fromModel.isEmpty() ? kDefaultColour : fromModel;
+    } else {
+        name = resolveColourName(name);
+    }
     KOmmlNodeList converted = ast.convert(*first[1].node);
     if (name.isEmpty())
         return {};

@@ -371,8 +371,15 @@ KLatexNodePtr KOmmlToLatexConverter::applyStyle(KLatexNodePtr node, const OMathR
     if (!command.isEmpty())
         node = wrapInCommand(command, std::move(node));
     if (wordProps.color && !isOpaqueBlack(*wordProps.color)) {
+        // A colour without a name is written in xcolor's HTML model; "#" is no colour name to TeX.
         KLatexArgs args;
-        args.push_back(KLatexArg{false, makeText(colourName(*wordProps.color))});
+        const QString name = colourName(*wordProps.color);
+        if (name.startsWith(QLatin1Char('#'))) {
+            args.push_back(KLatexArg{true, makeText(QStringLiteral("HTML"))});
+            args.push_back(KLatexArg{false, makeText(name.mid(1).toUpper())});
+        } else {
+            args.push_back(KLatexArg{false, makeText(name)});
+        }
         args.push_back(KLatexArg{false, std::move(node)});
         node = makeCommand(QStringLiteral("textcolor"), std::move(args));
     }

@@ -46,6 +46,29 @@ INSTANTIATE_TEST_SUITE_P(
             return r("a", look);
         }()}));
 
+// Colours as LaTeX documents give them: xcolor's models, the PostScript palette names and
+// mixes; what does not fit paints black.
+INSTANTIATE_TEST_SUITE_P(
+    ColourForms, LatexToOmml,
+    ::testing::Values(LatexCase{"\\textcolor[HTML]{1B1818}{x}", r("x", colour("1b1818"))},
+                      LatexCase{"\\textcolor[rgb]{0.1,0.5,0.2}{x}", r("x", colour("1a8033"))},
+                      LatexCase{"\\textcolor[RGB]{255,128,0}{x}", r("x", colour("ff8000"))},
+                      LatexCase{"\\textcolor[gray]{0.5}{x}", r("x", colour("808080"))},
+                      LatexCase{"\\textcolor[cmyk]{0,0.51,1,0}{x}", r("x", colour("ff7d00"))},
+                      LatexCase{"\\textcolor[cmy]{0,1,1}{x}", r("x", red)},
+                      LatexCase{"\\color{BurntOrange}{x}", r("x", colour("ff7d00"))},
+                      LatexCase{"\\color{CarnationPink}{x}", r("x", colour("ff5eff"))},
+                      LatexCase{"\\textcolor{red!30}{x}", r("x", colour("ffb3b3"))},
+                      LatexCase{"\\textcolor{red!50!blue}{x}", r("x", colour("800080"))},
+                      LatexCase{"\\textcolor{red!50!blue!50}{x}", r("x", colour("c080c0"))},
+                      LatexCase{"\\textcolor{orange}{x}", r("x", colour("ffa500"))},
+                      LatexCase{"\\textcolor[rgb]{2,0,0}{x}", r("x", black)},
+                      LatexCase{"\\textcolor[HTML]{12345}{x}", r("x", black)},
+                      LatexCase{"\\textcolor[rgb]{1,0}{x}", r("x", black)},
+                      LatexCase{"\\textcolor[wave]{500}{x}", r("x", black)},
+                      LatexCase{"\\textcolor{red!abc}{x}", r("x", black)},
+                      LatexCase{"\\textcolor{Nonsense!50}{x}", r("x", black)}));
+
 // The old font switches act up to the end of their group, cell or row; braces right after
 // one are its argument, as before.
 INSTANTIATE_TEST_SUITE_P(

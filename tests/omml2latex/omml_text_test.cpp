@@ -236,7 +236,7 @@ TEST(OmmlTextToLatex, StyleColourFont)
         {sr("", font("Monotype Corsiva")), "\\mathcal{x}"},
         {sr("", font("Cambria Math")), "x"},
         {sr("", colour("FF0000")), "\\textcolor{red}{x}"},
-        {sr("", colour("1B1818")), "\\textcolor{\\#1b1818}{x}"},
+        {sr("", colour("1B1818")), "\\textcolor[HTML]{1B1818}{x}"},
         {sr("", colour("000000")), "x"},
         {sr("", colour("auto")), "x"},
         {sr("", "<w:b/>" + colour("0000FF")), "\\textcolor{blue}{\\textbf{x}}"},

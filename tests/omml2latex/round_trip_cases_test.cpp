@@ -35,6 +35,8 @@ TEST(RoundTrip, IsExactAndStable)
         {"\\frac{\\partial f}{\\partial x}", "\\frac{\\partial f}{\\partial x}"},
         {"\\phantom{x}\\hphantom{y}\\vphantom{z}", "\\phantom{x}\\hphantom{y}\\vphantom{z}"},
         {"\\smash[b]{g}+\\smash{x_y}", "\\smash[b]{g}+\\smash{x_y}"},
+        {"\\color{BurntOrange}{x}", "\\textcolor[HTML]{FF7D00}{x}"},
+        {"\\textcolor[HTML]{1b1818}{x}", "\\textcolor[HTML]{1B1818}{x}"},
         {"\\left( a \\middle| b \\right)", "\\left(a\\middle|b\\right)"},
         {"\\left\\langle a \\middle\\| b \\right\\rangle", "\\left\\langle a\\middle\\Vert b\\right\\rangle"},
         {"\\bigl( x \\Bigr]", "\\bigl(x\\Bigr]"},
