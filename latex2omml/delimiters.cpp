@@ -101,8 +101,8 @@ void justifyColumns(OMatrix& matrix, const std::vector<OColumnJustification>& ju
         matrix.columns[i].justification = justifications[i];
 }
 
-// A column specification as written, braces included (plainText would drop them).
-void specificationText(const KLatexNode* node, QString& out, bool outer)
+// A column format as written, braces included (plainText would drop them).
+void columnFormatText(const KLatexNode* node, QString& out, bool outer)
 {
     if (const auto* text = latexAs<KLatexText>(node)) {
         out += text->text;
@@ -110,7 +110,7 @@ void specificationText(const KLatexNode* node, QString& out, bool outer)
         if (!outer)
             out += QLatin1Char('{');
         for (const auto& child : group->children)
-            specificationText(child.get(), out, false);
+            columnFormatText(child.get(), out, false);
         if (!outer)
             out += QLatin1Char('}');
     }
@@ -137,7 +137,7 @@ QString bracedText(const QString& text, int& at)
 // Enough columns for any table a person writes; a repetition past it is cut.
 constexpr std::size_t kMaxSpecifiedColumns = 1024;
 
-// The justification of each column of an array specification: l, c and r, paragraph columns
+// The justification of each column of an array's column format: l, c and r, paragraph columns
 // (p, m, b) flush left, *{n}{..} repeated; rules (|, :) and inserted material (@{..}, !{..},
 // >{..}, <{..}) take no column.
 void readColumns(const QString& text, std::vector<OColumnJustification>& out, int depth)
@@ -181,17 +181,17 @@ void readColumns(const QString& text, std::vector<OColumnJustification>& out, in
     }
 }
 
-std::vector<OColumnJustification> columnSpecification(const KLatexNode* node)
+std::vector<OColumnJustification> columnFormat(const KLatexNode* node)
 {
     QString text;
-    specificationText(node, text, true);
+    columnFormatText(node, text, true);
     std::vector<OColumnJustification> columns;
     readColumns(text, columns, 0);
     return columns;
 }
 
-// How the columns of a table environment are justified as its arguments say: the column
-// specification of array and subarray, the [l], [c] or [r] of the starred matrices. Empty
+// How the columns of a table environment are justified as its arguments say: the
+// column format of array and subarray, the [l], [c] or [r] of the starred matrices. Empty
 // when the arguments say nothing.
 std::vector<OColumnJustification> specifiedColumns(const KLatexEnv& env, std::size_t columns)
 {
@@ -200,7 +200,7 @@ std::vector<OColumnJustification> specifiedColumns(const KLatexEnv& env, std::si
             continue;
         if (!arg.optional && (env.name == QLatin1String("array") || env.name == QLatin1String("subarray") ||
                               env.name == QLatin1String("darray")))
-            return columnSpecification(arg.node.get());
+            return columnFormat(arg.node.get());
         if (arg.optional && env.name.endsWith(QLatin1Char('*'))) {
             const QString option = plainText(arg.node.get()).trimmed();
             std::vector<OColumnJustification> one;
@@ -383,8 +383,8 @@ bool isLineBreak(const KLatexNode* node)
 
 KOmmlNodeList matrixEnvironment(KLatexAst2Omml& ast, const KLatexEnv& env)
 {
-    // The columns are centred unless the column specification (array) or the alignment option
-    // (the starred matrices) says otherwise; rules in the specification show nothing.
+    // The columns are centred unless the column format (array) or the alignment option
+    // (the starred matrices) says otherwise; rules in the column format show nothing.
     KOmmlNodePtr matrix = centredMatrix(ast, buildRows(ast, env.body));
     if (auto* built = ommlAs<OMatrix>(matrix.get()))
         justifyColumns(*built, specifiedColumns(env, built->columns.size()));

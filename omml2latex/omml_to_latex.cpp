@@ -380,12 +380,12 @@ public:
         }
         if (isAlignment(matrix))
             return styled(makeEnvironment(QStringLiteral("aligned"), {}, std::move(rows)), matrix.ctrlPr);
-        // Columns justified otherwise than centred are an array's column specification.
-        const QString specification = columnSpecification(matrix);
-        if (specification.isEmpty())
+        // Columns justified otherwise than centred are an array's column format.
+        const QString format = columnFormat(matrix);
+        if (format.isEmpty())
             return styled(makeEnvironment(QStringLiteral("matrix"), {}, std::move(rows)), matrix.ctrlPr);
         KLatexArgs args;
-        args.push_back(braceArg(makeText(specification)));
+        args.push_back(braceArg(makeText(format)));
         return styled(makeEnvironment(QStringLiteral("array"), std::move(args), std::move(rows)),
                       matrix.ctrlPr);
     }
@@ -583,9 +583,9 @@ private:
     // "lcr..." for the columns of a matrix, or empty when every column is centred. A table wider
     // than any written by hand keeps the first columns' justification only.
     static constexpr int kMaxSpecifiedColumns = 1024;
-    static QString columnSpecification(const OMatrix& matrix)
+    static QString columnFormat(const OMatrix& matrix)
     {
-        QString specification;
+        QString format;
         bool centred = true;
         for (const OMatrixColumn& column : matrix.columns) {
             QChar letter = QLatin1Char('c');
@@ -596,10 +596,10 @@ private:
             centred = centred && letter == QLatin1Char('c');
             // One column description may stand for several columns.
             const int count = std::max(1, column.count.toInt());
-            for (int i = 0; i < count && specification.size() < kMaxSpecifiedColumns; ++i)
-                specification += letter;
+            for (int i = 0; i < count && format.size() < kMaxSpecifiedColumns; ++i)
+                format += letter;
         }
-        return centred ? QString() : specification;
+        return centred ? QString() : format;
     }
 
     // Text in which each space is the control space "\ ", which survives reading.

@@ -21,7 +21,7 @@ def para(inner: str) -> str:
     return f"<w:p>{inner}</w:p>"
 
 
-TEXT_BOX = ("<w:r><mc:AlternateContent><mc:Choice Requires=\"wps\"><w:drawing><w:txbxContent>"
+TEXT_BOX = ("<w:r><mc:AlternateContent><mc:Choice Requires=\"w14\"><w:drawing><w:txbxContent>"
             + para(math("t")) + "</w:txbxContent></w:drawing></mc:Choice><mc:Fallback><w:pict>"
             "<w:txbxContent>" + para(math("t")) + "</w:txbxContent></w:pict></mc:Fallback>"
             "</mc:AlternateContent></w:r>")

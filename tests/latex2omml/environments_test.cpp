@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\begin{Bmatrix*}[r]a\\end{Bmatrix*}", d("{", "}", matrix({"right"}, {{a}}))},
         LatexCase{"\\begin{matrix*}a&b\\end{matrix*}", matrix(centre2, {{a, b}})},
         LatexCase{"\\begin{smallmatrix}a&b\\\\c&d\\end{smallmatrix}", matrix(centre2, {{a, b}, {c, dd}})},
-        // Array: the column specification justifies; rules show nothing and take no cell.
+        // Array: the column format justifies; rules show nothing and take no cell.
         LatexCase{"\\begin{array}{l|r}a&b\\\\\\hline c&d\\end{array}",
                   matrix({"left", "right"}, {{a, b}, {c, dd}})},
         LatexCase{"\\begin{array}{|c:c|}\\hline a&b\\\\\\hdashline c&d\\\\\\hline\\end{array}",
@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         LatexCase{"\\begin{array}{@{}p{2cm}>{\\bf}c}a&b\\end{array}", matrix({"left", "center"}, {{a, b}})},
         LatexCase{"\\begin{array}{cc}a&b\\\\\\cline{1-2}c&d\\end{array}", matrix(centre2, {{a, b}, {c, dd}})},
         LatexCase{"\\begin{subarray}{l}a\\\\b\\end{subarray}", matrix({"left"}, {{a}, {b}})},
-        // A specification shorter than the rows leaves the other columns centred.
+        // A column format shorter than the rows leaves the other columns centred.
         LatexCase{"\\begin{array}{r}a&b\\end{array}", matrix({"right", "center"}, {{a, b}})}));
 
 INSTANTIATE_TEST_SUITE_P(
