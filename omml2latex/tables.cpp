@@ -85,14 +85,6 @@ QString delimiterName(const QString& chr)
     return delimiterCommands().value(chr);
 }
 
-bool isFunctionName(const QString& name)
-{
-    static const QSet<QString> names = makeNameSet({
-#include "omml2latex/function_names.inc"
-    });
-    return names.contains(name);
-}
-
 bool isTexOperatorCommand(const QString& name)
 {
     static const QSet<QString> names = makeNameSet({
@@ -117,14 +109,6 @@ QString limitCommand(const QString& text)
         {QStringLiteral("det"), QStringLiteral("det")},
     };
     return commands.value(text.trimmed());
-}
-
-bool isLimitName(const QString& name)
-{
-    static const QSet<QString> names = makeNameSet({
-#include "omml2latex/limit_names.inc"
-    });
-    return names.contains(name);
 }
 
 QString fontFamilyCommand(const QString& lowerFontName)

@@ -38,9 +38,6 @@ const KCharTable& arrowCommands();
 // command name, or the character itself.
 QString delimiterName(const QString& chr);
 
-// Membership of an already trimmed, lower-cased name.
-bool isFunctionName(const QString& name);
-bool isLimitName(const QString& name);
 // The limit command (\lim, \limsup, \max, ...) whose name is the text exactly as it
 // writes it ("lim sup" for \limsup), or empty.
 QString limitCommand(const QString& text);

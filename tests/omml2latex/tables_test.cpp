@@ -17,10 +17,8 @@ TEST(OmmlToLatexTables, LookUpOrFallBackToTheKey)
     EXPECT_EQ(delimiterName(QString::fromUtf16(u"\u3008")), "langle");
 }
 
-TEST(OmmlToLatexTables, NamesFontsAndColours)
+TEST(OmmlToLatexTables, FontsAndColours)
 {
-    EXPECT_TRUE(isFunctionName("arccot") && isFunctionName("bmod") && isLimitName("liminf"));
-    EXPECT_FALSE(isFunctionName("Sin") || isFunctionName("lim") || isLimitName("lim inf") || isLimitName(""));
     // The lookup expects a lower-cased name.
     for (const auto& [font, command] :
          {std::pair{"brush script mt", "mathcal"}, {"double struck", "mathbb"}, {"", ""}, {"Courier", ""}})
